@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace Tamrik {
+
+// "<number>: <system text>", the tail of every "unexpected error" message.
+std::string describeSystemError(int error);
+
+} // namespace Tamrik

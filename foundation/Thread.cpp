@@ -1,0 +1,109 @@
+#include "foundation/Thread.h"
+
+#include <cerrno>
+#include <ctime>
+#include <sched.h>
+
+namespace Tamrik {
+
+namespace {
+
+constexpr unsigned long startPollMilliseconds = 250;
+
+} // namespace
+
+Thread::Thread() = default;
+
+Thread::~Thread() {
+    destroy();
+    startEvent.signal();
+    startEvent.close();
+}
+
+bool Thread::start(bool detach, int priority) {
+    if (running) {
+        return false;
+    }
+    detached = false;
+    if (created) {
+        destroy();
+    }
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setdetachstate(&attributes,
+                                detach ? PTHREAD_CREATE_DETACHED : PTHREAD_CREATE_JOINABLE);
+    if (priority != -1) {
+        pthread_attr_setinheritsched(&attributes, PTHREAD_EXPLICIT_SCHED);
+        sched_param parameters{};
+        parameters.sched_priority = priority;
+        pthread_attr_setschedparam(&attributes, &parameters);
+        pthread_attr_setschedpolicy(&attributes, SCHED_RR);
+    }
+    const int error = pthread_create(&handle, &attributes, &Thread::threadFunc, this);
+    pthread_attr_destroy(&attributes);
+    if (error != 0) {
+        return false;
+    }
+    detached = detach;
+    running = true;
+    created = true;
+    startEvent.signal();
+    return true;
+}
+
+void* Thread::threadFunc(void* object) {
+    auto* self = static_cast<Thread*>(object);
+    while (!self->startEvent.waitFor(startPollMilliseconds)) {
+    }
+    self->result = self->run();
+    self->running = false;
+    return nullptr;
+}
+
+bool Thread::destroy() {
+    if (!created) {
+        return false;
+    }
+    if (detached && !running) {
+        // A finished detached thread has reaped itself; its handle may no longer be used.
+        running = false;
+        created = false;
+        return true;
+    }
+    const int cancelError = pthread_cancel(handle);
+    if (!detached) {
+        pthread_join(handle, nullptr);
+    }
+    if (cancelError != 0) {
+        return false;
+    }
+    running = false;
+    created = false;
+    return true;
+}
+
+bool Thread::join() {
+    if (!created || detached) {
+        return false;
+    }
+    const int error = pthread_join(handle, nullptr);
+    if (error != 0 && error != ESRCH) {
+        return false;
+    }
+    running = false;
+    created = false;
+    return true;
+}
+
+int Thread::sleep(unsigned long milliseconds) {
+    timespec wanted{static_cast<time_t>(milliseconds / 1000),
+                    static_cast<long>(milliseconds % 1000) * 1000000L};
+    timespec remaining{};
+    int status;
+    while ((status = nanosleep(&wanted, &remaining)) != 0 && errno == EINTR) {
+        wanted = remaining;
+    }
+    return status;
+}
+
+} // namespace Tamrik
