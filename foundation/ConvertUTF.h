@@ -7,7 +7,12 @@ namespace Tamrik::UTF {
 using UTF32 = std::uint32_t;
 using UTF8 = std::uint8_t;
 
-enum ConversionResult { conversionOK = 0, sourceExhausted = 1, targetExhausted = 2, sourceIllegal = 3 };
+enum ConversionResult {
+    conversionOK = 0,
+    sourceExhausted = 1,
+    targetExhausted = 2,
+    sourceIllegal = 3
+};
 enum ConversionFlags { strictConversion = 0, lenientConversion = 1 };
 
 // UTF-32 to UTF-8. Both pointers are advanced past what was converted and written back

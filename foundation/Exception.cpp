@@ -22,7 +22,9 @@ std::string Exception::description() const {
     return descriptionHeader() + descriptionMessage() + descriptionCode();
 }
 
-std::string Exception::exceptionName() const { return "Exception"; }
+std::string Exception::exceptionName() const {
+    return "Exception";
+}
 
 std::string Exception::descriptionHeader() const {
     std::string header = exceptionName() + " in file ";

@@ -53,6 +53,8 @@ std::string convertToUTF8(const WideString& wide, ConversionStats* stats) {
                        static_cast<std::size_t>(written - buffer.data()));
 }
 
-std::string toString(const PMString& text) { return convertToUTF8(text.ToWideString()); }
+std::string toString(const PMString& text) {
+    return convertToUTF8(text.ToWideString());
+}
 
 } // namespace Helpers

@@ -9,7 +9,7 @@ namespace Helpers {
 
 // How a conversion went; tests use it to see the buffer growth.
 struct ConversionStats {
-    int attempts = 0;               // conversions run, the first one included
+    int attempts = 0;                  // conversions run, the first one included
     unsigned long finalBufferSize = 0; // bytes of the buffer of the last attempt
 };
 

@@ -4,7 +4,9 @@ namespace Tamrik {
 
 namespace {
 
-bool isTag(const IXmlNode* node) { return !node->isText() && !node->isComment(); }
+bool isTag(const IXmlNode* node) {
+    return !node->isText() && !node->isComment();
+}
 
 } // namespace
 

@@ -41,13 +41,21 @@ LibXmlNode::~LibXmlNode() {
     }
 }
 
-bool LibXmlNode::hasChildren() const { return node->children != nullptr; }
+bool LibXmlNode::hasChildren() const {
+    return node->children != nullptr;
+}
 
-bool LibXmlNode::hasNextNode() const { return node->next != nullptr; }
+bool LibXmlNode::hasNextNode() const {
+    return node->next != nullptr;
+}
 
-bool LibXmlNode::isText() const { return xmlNodeIsText(node) != 0; }
+bool LibXmlNode::isText() const {
+    return xmlNodeIsText(node) != 0;
+}
 
-bool LibXmlNode::isComment() const { return node->type == XML_COMMENT_NODE; }
+bool LibXmlNode::isComment() const {
+    return node->type == XML_COMMENT_NODE;
+}
 
 IXmlNode* LibXmlNode::getFirstChild() const {
     if (firstChild == nullptr && node->children != nullptr) {
@@ -78,7 +86,9 @@ std::string LibXmlNode::getAttribute(const std::string& name,
     return takeXmlString(xmlGetProp(node, BAD_CAST name.c_str()));
 }
 
-std::string LibXmlNode::getContent() const { return takeXmlString(xmlNodeGetContent(node)); }
+std::string LibXmlNode::getContent() const {
+    return takeXmlString(xmlNodeGetContent(node));
+}
 
 void LibXmlNode::setAttribute(const std::string& name, const std::string& value) {
     xmlNewProp(node, BAD_CAST name.c_str(), BAD_CAST value.c_str());

@@ -32,7 +32,9 @@ SmartPointer<IXmlParser> IXmlParser::getInstance(const std::string& kind) {
     return SmartPointer<IXmlParser>();
 }
 
-LibXmlParser::~LibXmlParser() { cleanup(); }
+LibXmlParser::~LibXmlParser() {
+    cleanup();
+}
 
 void LibXmlParser::cleanup() {
     delete rootNode;
@@ -72,8 +74,8 @@ void LibXmlParser::parseString(const std::string& text) {
         throw Exception("LibXml: Document not parsed successfully: document too large",
                         "libxmlparser", 374, "");
     }
-    document = xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
-                             readOptions);
+    document =
+        xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, readOptions);
     if (document == nullptr) {
         raiseParseFailure(374, 376);
     }
@@ -90,7 +92,9 @@ void LibXmlParser::createRoot() {
     rootNode = new LibXmlNode(this, root, nullptr, false);
 }
 
-IXmlNode* LibXmlParser::getRootNode() const { return rootNode; }
+IXmlNode* LibXmlParser::getRootNode() const {
+    return rootNode;
+}
 
 void LibXmlParser::write(const std::string& path) const {
     if (rootNode == nullptr || rootNode->getXmlNode() == nullptr ||

@@ -46,6 +46,10 @@ void Logger::log(const std::string& component, const std::string& text, int /*le
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
-bool Logger::isEnabled() { return enabledFlag().load(std::memory_order_relaxed); }
+bool Logger::isEnabled() {
+    return enabledFlag().load(std::memory_order_relaxed);
+}
 
-void Logger::setEnabled(bool enabled) { enabledFlag().store(enabled, std::memory_order_relaxed); }
+void Logger::setEnabled(bool enabled) {
+    enabledFlag().store(enabled, std::memory_order_relaxed);
+}

@@ -7,9 +7,13 @@
 
 namespace Tamrik {
 
-Mutex::Mutex() { pthread_mutex_init(&mutex, nullptr); }
+Mutex::Mutex() {
+    pthread_mutex_init(&mutex, nullptr);
+}
 
-Mutex::~Mutex() { pthread_mutex_destroy(&mutex); }
+Mutex::~Mutex() {
+    pthread_mutex_destroy(&mutex);
+}
 
 void Mutex::lock() {
     const int error = pthread_mutex_lock(&mutex);

@@ -72,8 +72,8 @@ void Semaphore::dec() {
                 continue;
             }
             if (error == EINVAL) {
-                throw Exception("Semaphore (Posix): waiting on invalid semaphore", "semaphore",
-                                160, "");
+                throw Exception("Semaphore (Posix): waiting on invalid semaphore", "semaphore", 160,
+                                "");
             }
             if (error == EDEADLK) {
                 throw Exception("Semaphore (Posix): deadlock detected", "semaphore", 161, "");
@@ -119,8 +119,8 @@ bool Semaphore::trydec() {
                 return false;
             }
             if (error == EINVAL) {
-                throw Exception("Semaphore (Posix): waiting on invalid semaphore", "semaphore",
-                                230, "");
+                throw Exception("Semaphore (Posix): waiting on invalid semaphore", "semaphore", 230,
+                                "");
             }
             if (error == EDEADLK) {
                 throw Exception("Semaphore (Posix): deadlock detected", "semaphore", 231, "");

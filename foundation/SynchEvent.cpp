@@ -15,7 +15,9 @@ SynchEvent::SynchEvent(bool autoReset) : autoReset(autoReset) {
     pthread_cond_init(&condition, nullptr);
 }
 
-SynchEvent::~SynchEvent() { close(); }
+SynchEvent::~SynchEvent() {
+    close();
+}
 
 void SynchEvent::close() {
     if (closed) {

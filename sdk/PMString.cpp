@@ -11,4 +11,6 @@ void PMString::Append(const PMString& other) {
     text = WideString(text.Units() + other.text.Units());
 }
 
-void PMString::Append(std::string_view utf8) { Append(PMString(utf8)); }
+void PMString::Append(std::string_view utf8) {
+    Append(PMString(utf8));
+}

@@ -2,8 +2,12 @@
 
 namespace {
 
-bool isHighSurrogate(char16_t u) { return u >= 0xD800 && u <= 0xDBFF; }
-bool isLowSurrogate(char16_t u) { return u >= 0xDC00 && u <= 0xDFFF; }
+bool isHighSurrogate(char16_t u) {
+    return u >= 0xD800 && u <= 0xDBFF;
+}
+bool isLowSurrogate(char16_t u) {
+    return u >= 0xDC00 && u <= 0xDFFF;
+}
 bool startsPair(const std::u16string& units, std::size_t i) {
     return isHighSurrogate(units[i]) && i + 1 < units.size() && isLowSurrogate(units[i + 1]);
 }
