@@ -1,0 +1,82 @@
+#include "link/MacVLMNotifyHandler.h"
+
+#include "link/ProtocolConstants.h"
+#include "link/ReplyText.h"
+#include "platform/Platform.h"
+
+namespace VLM {
+
+void MacVLMNotifyHandler::start() {
+    handlerUPP = &MacVLMNotifyHandler::HandleEvent;
+    if (Platform::AppEvents* events = Platform::services().appEvents) {
+        events->installHandler(targetClass, Platform::anyEventID, handlerUPP, this);
+    }
+    if (!daemon) {
+        daemon = std::make_unique<BSDNotification::Daemon>();
+        daemon->addListener(libraryChangedNotification);
+    }
+}
+
+void MacVLMNotifyHandler::end() {
+    if (Platform::AppEvents* events = Platform::services().appEvents) {
+        events->removeHandler(targetClass, Platform::anyEventID, &MacVLMNotifyHandler::HandleEvent);
+    }
+    daemon.reset();
+}
+
+void MacVLMNotifyHandler::push() {
+    if (daemon && daemon->hasFired("")) {
+        notifiyAll(fontChangedCommand);
+    }
+}
+
+int MacVLMNotifyHandler::HandleEvent(const Platform::AppEvent& event, std::string& /*reply*/,
+                                     void* refcon) {
+    if (event.eventID != fontSetChangedEventID && event.eventID != fontFileSetChangedEventID) {
+        return Platform::Status::ok;
+    }
+    static_cast<MacVLMNotifyHandler*>(refcon)->notifiyAll(fontChangedCommand);
+    return Platform::Status::ok;
+}
+
+// A failed send is retried after half a second, up to maxSendAttempts times; a reply
+// without text ends the exchange after one wait. Nothing leaves this function but text.
+std::string MacVLMNotifyHandler::SendToVlm(const std::string& message) {
+    const Platform::Services& platform = Platform::services();
+    if (platform.appEvents == nullptr || platform.clock == nullptr) {
+        return "";
+    }
+    const Platform::AppEvent request{requestEventClass, requestEventID, message};
+    std::string result;
+    int status = Platform::Status::ok;
+    int attempts = 0;
+    do {
+        try {
+            std::string reply;
+            status = platform.appEvents->send(vellumineSignature, request, reply);
+            if (status != Platform::Status::ok) {
+                platform.clock->delay(retryDelayTicks);
+                ++attempts;
+                continue;
+            }
+            if (reply.empty()) {
+                platform.clock->delay(retryDelayTicks);
+                break;
+            }
+            result = joinReplyLines(reply);
+        } catch (...) {
+            platform.clock->delay(retryDelayTicks);
+            // Counted as well, so that a transport that keeps throwing cannot hold the
+            // host's main thread for ever.
+            ++attempts;
+        }
+    } while (status != Platform::Status::ok && attempts < maxSendAttempts);
+
+    try {
+        return escapeAmpersands(result);
+    } catch (...) {
+        return "";
+    }
+}
+
+} // namespace VLM
