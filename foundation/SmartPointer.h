@@ -3,6 +3,13 @@
 #include <cstdint>
 #include <utility>
 
+// GCC 12 follows release() into the destructor of the last handle and cannot see that
+// the count guards every later access, so it warns of a use after free that cannot happen.
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuse-after-free"
+#endif
+
 namespace Tamrik {
 
 template <typename T>
@@ -95,3 +102,7 @@ private:
 };
 
 } // namespace Tamrik
+
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12
+#pragma GCC diagnostic pop
+#endif

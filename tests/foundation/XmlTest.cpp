@@ -1,0 +1,206 @@
+#include "foundation/Exception.h"
+#include "foundation/IXmlParser.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+using Tamrik::IXmlNode;
+using Tamrik::IXmlParser;
+using Tamrik::SmartPointer;
+
+namespace {
+
+SmartPointer<IXmlParser> parserFor(const std::string& text) {
+    SmartPointer<IXmlParser> parser = IXmlParser::getInstance("LibXmlParser");
+    parser->parseString(text);
+    return parser;
+}
+
+std::string parseFailure(const std::string& text) {
+    try {
+        parserFor(text);
+    } catch (const Tamrik::Exception& error) {
+        return error.getUserMessage() + "@" + error.getFile() + ":" +
+               std::to_string(error.getLine());
+    }
+    return "parsed";
+}
+
+std::string readFile(const std::filesystem::path& path) {
+    std::ifstream in(path);
+    std::stringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+} // namespace
+
+TEST(XmlParserTest, InstancesByKind) {
+    EXPECT_FALSE(IXmlParser::getInstance("LibXmlParser").isNull());
+    EXPECT_EQ(IXmlParser::getInstance("LibXmlParser")->getRefCount(), 1);
+    EXPECT_TRUE(IXmlParser::getInstance("Expat").isNull());
+    EXPECT_EQ(IXmlParser::getInstance("LibXmlParser")->getRootNode(), nullptr);
+}
+
+TEST(XmlParserTest, FailedParsesRaiseTheDocumentedTexts) {
+    // libxml2 gives up on an empty buffer without recording an error.
+    EXPECT_EQ(parseFailure(""), "LibXml: Document not parsed successfully: unknown error "
+                                "message@libxmlparser:376");
+    const std::string commentOnly = parseFailure("<!-- only a comment -->");
+    EXPECT_EQ(commentOnly.rfind("LibXml: Document not parsed successfully: ", 0), 0u);
+    EXPECT_NE(commentOnly.find("@libxmlparser:374"), std::string::npos);
+    EXPECT_NE(parseFailure("<cmd>fontRequest</cmd><font>").find("@libxmlparser:374"),
+              std::string::npos);
+    // An unescaped ampersand is exactly what the transport has to guard against.
+    EXPECT_NE(parseFailure("<a>Black & White</a>").find("not parsed successfully"),
+              std::string::npos);
+
+    SmartPointer<IXmlParser> parser = IXmlParser::getInstance("LibXmlParser");
+    try {
+        parser->parse("/nonexistent/reply.xml");
+        FAIL() << "a missing file parsed";
+    } catch (const Tamrik::Exception& error) {
+        EXPECT_EQ(error.getLine(), 353u);
+        EXPECT_EQ(error.getFile(), "libxmlparser");
+    }
+    EXPECT_EQ(parser->getRootNode(), nullptr); // a failed read leaves the parser empty
+}
+
+TEST(XmlParserTest, ChildrenIncludeTextAndTagHelpersSkipIt) {
+    SmartPointer<IXmlParser> parser = parserFor("<r> <e/> <!--c--><f>x</f></r>");
+    IXmlNode* root = parser->getRootNode();
+    ASSERT_NE(root, nullptr);
+    const std::vector<IXmlNode*> children = root->getChildren();
+    ASSERT_EQ(children.size(), 5u);
+    EXPECT_TRUE(children[0]->isText());
+    EXPECT_EQ(children[1]->getName(), "e");
+    EXPECT_TRUE(children[3]->isComment());
+    EXPECT_EQ(root->getFirstTagChild(), children[1]);
+    EXPECT_EQ(children[1]->getNextTagNode(), children[4]);
+    EXPECT_EQ(children[4]->getNextTagNode(), nullptr);
+    EXPECT_EQ(root->getFirstChild("f"), children[4]);
+    EXPECT_EQ(root->getFirstChild("text"), children[0]); // text nodes are named "text"
+    EXPECT_EQ(root->getChildren("F").size(), 0u);        // names compare exactly
+    // Navigation hands out the same wrapper for the same node.
+    EXPECT_EQ(root->getFirstChild(), children[0]);
+    EXPECT_EQ(children[4]->getParent(), root);
+    EXPECT_TRUE(children[4]->hasParent());
+    EXPECT_FALSE(root->hasParent());
+    EXPECT_FALSE(children[4]->hasNextNode());
+    EXPECT_EQ(root->getContent(), "  x");
+}
+
+TEST(XmlParserTest, AttributesAddRatherThanReplace) {
+    SmartPointer<IXmlParser> parser = IXmlParser::getInstance("LibXmlParser");
+    IXmlNode* root = parser->createRootNode("cmd", "");
+    EXPECT_EQ(root->getAttribute("cmd", "none"), "none");
+    root->setAttribute("cmd", "first");
+    root->setAttribute("cmd", "second");
+    EXPECT_EQ(root->getAttribute("cmd", "none"), "first");
+    EXPECT_EQ(root->getAttribute("empty", "x"), "x");
+    root->setAttribute("empty", "");
+    EXPECT_EQ(root->getAttribute("empty", "x"), "");
+}
+
+TEST(XmlParserTest, ContentSettersAppendOrEscapeAndReplace) {
+    SmartPointer<IXmlParser> parser = IXmlParser::getInstance("LibXmlParser");
+    IXmlNode* root = parser->createRootNode("root", "");
+    IXmlNode* appended = root->addChild("a");
+    appended->setContent("one");
+    appended->setContent("two");
+    EXPECT_EQ(appended->getContent(), "onetwo");
+    IXmlNode* replaced = root->addChild("b");
+    replaced->setContent("old");
+    replaced->setContentCDATA("x < y & z");
+    EXPECT_EQ(replaced->getContent(), "x < y & z");
+    delete appended; // addChild's wrappers belong to the caller
+    delete replaced;
+
+    const auto file =
+        std::filesystem::temp_directory_path() / ("xmltest-" + std::to_string(getpid()) + ".xml");
+    parser->write(file);
+    const std::string written = readFile(file);
+    std::filesystem::remove(file);
+    EXPECT_NE(written.find("<a>onetwo</a>"), std::string::npos);
+    EXPECT_NE(written.find("<b>x &lt; y &amp; z</b>"), std::string::npos);
+    EXPECT_EQ(written.find("CDATA"), std::string::npos);
+
+    std::string untouched = "keep";
+    parser->writeString(untouched);
+    EXPECT_EQ(untouched, "keep");
+}
+
+TEST(XmlParserTest, BuildsWithNamespaceAndReadsItBack) {
+    SmartPointer<IXmlParser> parser = IXmlParser::getInstance("LibXmlParser");
+    parser->createRootNode("doc", "urn:example");
+    const auto file =
+        std::filesystem::temp_directory_path() / ("xmlns-" + std::to_string(getpid()) + ".xml");
+    parser->write(file);
+    const std::string written = readFile(file);
+    SmartPointer<IXmlParser> reader = IXmlParser::getInstance("LibXmlParser");
+    reader->parse(file);
+    std::filesystem::remove(file);
+    EXPECT_NE(written.find("<doc xmlns=\"urn:example\"/>"), std::string::npos) << written;
+    EXPECT_EQ(written.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>", 0), 0u);
+    EXPECT_EQ(reader->getRootNode()->getName(), "doc");
+}
+
+TEST(XmlParserTest, ChildWrapperKeepsItsDocumentAlive) {
+    IXmlNode* child = nullptr;
+    {
+        SmartPointer<IXmlParser> parser = IXmlParser::getInstance("LibXmlParser");
+        parser->createRootNode("root", "")->setContent("r");
+        child = parser->getRootNode()->addChild("kept");
+    }
+    child->setContent("still here");
+    EXPECT_EQ(child->getContent(), "still here");
+    EXPECT_EQ(child->getParent()->getName(), "root");
+    delete child;
+}
+
+TEST(XmlParserTest, WideAndDeepDocumentsParseAndRelease) {
+    std::string wide = "<cmd>";
+    for (int i = 0; i < 200000; ++i) {
+        wide += "<font/>";
+    }
+    wide += "</cmd>";
+    SmartPointer<IXmlParser> parser = parserFor(wide);
+    EXPECT_EQ(parser->getRootNode()->getChildren().size(), 200000u);
+
+    std::string deep;
+    for (int i = 0; i < 100000; ++i) {
+        deep += "<a>";
+    }
+    EXPECT_NE(parseFailure(deep).find("@libxmlparser:374"), std::string::npos);
+}
+
+TEST(XmlParserTest, EntitiesNeitherExpandWithoutLimitNorReadFiles) {
+    std::string laughs = "<?xml version=\"1.0\"?><!DOCTYPE l [<!ENTITY l0 \"ha\">";
+    for (int i = 1; i < 10; ++i) {
+        laughs += "<!ENTITY l" + std::to_string(i) + " \"";
+        for (int k = 0; k < 10; ++k) {
+            laughs += "&l" + std::to_string(i - 1) + ";";
+        }
+        laughs += "\">";
+    }
+    laughs += "]><l>&l9;</l>";
+    try {
+        SmartPointer<IXmlParser> parser = parserFor(laughs);
+        EXPECT_LT(parser->getRootNode()->getContent().size(), 10'000'000u);
+    } catch (const Tamrik::Exception& error) {
+        EXPECT_NE(std::string(error.what()).find("not parsed successfully"), std::string::npos);
+    }
+
+    const std::string external = "<?xml version=\"1.0\"?><!DOCTYPE r [<!ENTITY x SYSTEM "
+                                 "\"file:///etc/hostname\">]><r>&x;</r>";
+    try {
+        SmartPointer<IXmlParser> parser = parserFor(external);
+        EXPECT_EQ(parser->getRootNode()->getContent(), "");
+    } catch (const Tamrik::Exception&) {
+        SUCCEED(); // refusing the document is as good as not reading the file
+    }
+}
