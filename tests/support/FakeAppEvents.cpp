@@ -1,0 +1,67 @@
+#include "support/FakeAppEvents.h"
+
+#include "platform/Status.h"
+
+#include <stdexcept>
+
+namespace VLMTest {
+
+int FakeAppEvents::send(const std::string& signature, const Platform::AppEvent& event,
+                        std::string& reply) {
+    sentEvents.push_back({signature, event});
+    if (throwsLeft > 0) {
+        --throwsLeft;
+        throw std::runtime_error("fake transport failure");
+    }
+    Answer answer = fallback;
+    if (!answers.empty()) {
+        answer = answers.front();
+        answers.pop_front();
+    } else if (responder) {
+        answer = responder(event);
+    }
+    reply = answer.reply;
+    return answer.status;
+}
+
+int FakeAppEvents::installHandler(const std::string& eventClass, const std::string& eventID,
+                                  Platform::AppEventHandlerProc handler, void* refcon) {
+    handlers[{eventClass, eventID}] = {handler, refcon};
+    return Platform::Status::ok;
+}
+
+int FakeAppEvents::removeHandler(const std::string& eventClass, const std::string& eventID,
+                                 Platform::AppEventHandlerProc handler) {
+    auto found = handlers.find({eventClass, eventID});
+    if (found == handlers.end() || found->second.handler != handler) {
+        return Platform::Status::notHandled;
+    }
+    handlers.erase(found);
+    return Platform::Status::ok;
+}
+
+int FakeAppEvents::deliver(const Platform::AppEvent& event, std::string& reply) {
+    auto found = handlers.find({event.eventClass, event.eventID});
+    if (found == handlers.end()) {
+        found = handlers.find({event.eventClass, Platform::anyEventID});
+    }
+    if (found == handlers.end()) {
+        return Platform::Status::notHandled;
+    }
+    return found->second.handler(event, reply, found->second.refcon);
+}
+
+bool FakeAppEvents::hasHandler(const std::string& eventClass, const std::string& eventID) const {
+    return handlers.count({eventClass, eventID}) != 0;
+}
+
+void FakeAppEvents::reset() {
+    answers.clear();
+    fallback = {Platform::Status::notRunning, ""};
+    responder = nullptr;
+    throwsLeft = 0;
+    sentEvents.clear();
+    handlers.clear();
+}
+
+} // namespace VLMTest
