@@ -1,0 +1,48 @@
+#include "platform/linux/BusRunningApplications.h"
+
+#include "platform/Status.h"
+#include "platform/linux/BusResources.h"
+#include "platform/linux/DBusAppEvents.h"
+#include "platform/linux/SignatureTable.h"
+
+namespace Platform::Linux {
+
+namespace {
+
+// The pid of the owner of `name`: 0 when the name has no owner, negative on bus failure.
+long ownerProcessID(sd_bus* bus, const std::string& name) {
+    BusError error;
+    sd_bus_message* raw = nullptr;
+    int r = sd_bus_call_method(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                               "org.freedesktop.DBus", "GetConnectionUnixProcessID", error.get(),
+                               &raw, "s", name.c_str());
+    MessagePtr reply(raw);
+    if (r < 0) {
+        return error.hasName(SD_BUS_ERROR_NAME_HAS_NO_OWNER) ? 0 : -1;
+    }
+    std::uint32_t pid = 0;
+    if (sd_bus_message_read(raw, "u", &pid) < 0) {
+        return -1;
+    }
+    return static_cast<long>(pid);
+}
+
+} // namespace
+
+int BusRunningApplications::list(std::vector<RunningApplication>& applications) {
+    applications.clear();
+    std::vector<RunningApplication> found;
+    for (const auto& entry : signatureTable()) {
+        long pid = ownerProcessID(events_.bus(), entry.busName);
+        if (pid < 0) {
+            return Status::transportError;
+        }
+        if (pid > 0) {
+            found.push_back({entry.signature, entry.busName, static_cast<pid_t>(pid)});
+        }
+    }
+    applications = std::move(found);
+    return Status::ok;
+}
+
+} // namespace Platform::Linux
