@@ -15,6 +15,25 @@ namespace {
 // host's terminal; the error itself is kept and raised as an exception.
 constexpr int readOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
 
+// libxml2 also reports some problems (encoding errors among them) through its generic error
+// function, which prints to the console whatever the parse options say. The guard routes
+// that channel to nowhere for the duration of one read and restores the caller's setting.
+void discardGenericError(void*, const char*, ...) {}
+
+class GenericErrorSilencer {
+public:
+    GenericErrorSilencer() : previous(xmlGenericError), previousContext(xmlGenericErrorContext) {
+        xmlSetGenericErrorFunc(nullptr, discardGenericError);
+    }
+    ~GenericErrorSilencer() { xmlSetGenericErrorFunc(previousContext, previous); }
+    GenericErrorSilencer(const GenericErrorSilencer&) = delete;
+    GenericErrorSilencer& operator=(const GenericErrorSilencer&) = delete;
+
+private:
+    xmlGenericErrorFunc previous;
+    void* previousContext;
+};
+
 std::string trimmedErrorText(const char* message) {
     std::string text = message != nullptr ? message : "";
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
@@ -60,6 +79,7 @@ void LibXmlParser::raiseParseFailure(unsigned long lineWithRecord,
 void LibXmlParser::parse(const std::string& path) {
     cleanup();
     xmlResetLastError();
+    const GenericErrorSilencer silencer;
     document = xmlReadFile(path.c_str(), nullptr, readOptions);
     if (document == nullptr) {
         raiseParseFailure(353, 355);
