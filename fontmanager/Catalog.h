@@ -1,0 +1,114 @@
+#pragma once
+
+#include "fontmanager/FaceReader.h"
+#include "fontmanager/Sqlite.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Vellumine {
+
+// A face of the library. `id` is its container identifier: positive, never reused.
+struct FaceRecord {
+    std::int64_t id = 0;
+    std::filesystem::path file;
+    long faceIndex = 0;
+    std::string postScriptName;
+    std::string family;
+    std::string style;
+    FaceType type = FaceType::trueType;
+    std::filesystem::path metricsFile; // Type 1 metrics beside the outlines, or empty
+    bool active = false;
+};
+
+// A link that activation made, with what it pointed to when it was made.
+struct LinkRecord {
+    std::int64_t faceId = 0;
+    std::filesystem::path link;
+    std::filesystem::path target;
+    std::filesystem::path metricsLink;
+    std::filesystem::path metricsTarget;
+};
+
+// An application that named itself in a request and hears of library changes.
+struct TargetApplication {
+    std::string signature;
+    std::string eventClass;
+};
+
+// A show or buy request, kept so that the user sees what an application asked for.
+struct WindowlessRequest {
+    std::int64_t id = 0;
+    std::string kind; // "show" or "buy"
+    std::int64_t unixTime = 0;
+    std::string application;
+    std::string postScriptName;
+    std::string containerID;
+    std::string type;
+};
+
+// One entry of the change journal: every library change, from the command line or from a
+// request, so that the serving process can tell applications what kind of change it was.
+struct LibraryChange {
+    std::int64_t id = 0;
+    std::string kind; // the VLM4 event ID: "FSBC" or "FFSC"
+    std::int64_t unixTime = 0;
+};
+
+struct AddedFace {
+    std::int64_t id = 0;
+    bool isNew = false;
+};
+
+// The font library in SQLite.
+class Catalog {
+public:
+    static constexpr int schemaVersion = 1;
+
+    // Opens or creates the catalog file (and its folder).
+    explicit Catalog(const std::filesystem::path& file);
+
+    SqliteDatabase& database() { return db; }
+
+    // Adds or refreshes a face; the (file, face index) pair keeps its identifier.
+    AddedFace addFace(const std::filesystem::path& file, const std::filesystem::path& metricsFile,
+                      const FaceDescription& face);
+
+    std::optional<FaceRecord> face(std::int64_t id);
+    std::vector<FaceRecord> facesByPostScriptName(const std::string& name);
+    // Case-insensitive (ASCII) family match; every style of the family.
+    std::vector<FaceRecord> facesByFamily(const std::string& family);
+    std::vector<FaceRecord> facesOfFile(const std::filesystem::path& file);
+    std::vector<FaceRecord> allFaces();
+    std::int64_t faceCount();
+    std::int64_t activeFaceCount();
+
+    void recordLink(const LinkRecord& link);
+    std::optional<LinkRecord> link(std::int64_t faceId);
+    std::vector<LinkRecord> allLinks();
+    // How many faces use this link (faces of one collection share one).
+    std::int64_t linkUsers(const std::filesystem::path& link);
+    void removeLink(std::int64_t faceId);
+
+    void rememberTarget(const TargetApplication& target);
+    std::vector<TargetApplication> targets();
+
+    void recordWindowlessRequest(const WindowlessRequest& request);
+    // Newest first; `kind` empty for both kinds.
+    std::vector<WindowlessRequest> windowlessRequests(const std::string& kind, int limit);
+
+    std::int64_t recordChange(const std::string& kind);
+    std::int64_t lastChange();
+    std::vector<LibraryChange> changesAfter(std::int64_t id);
+
+private:
+    void migrate();
+    std::vector<FaceRecord> faces(SqliteStatement& statement);
+
+    SqliteDatabase db;
+};
+
+} // namespace Vellumine

@@ -1,0 +1,323 @@
+#include "fontmanager/Cli.h"
+
+#include "fontmanager/Activation.h"
+#include "fontmanager/Catalog.h"
+#include "fontmanager/ContainerID.h"
+#include "fontmanager/FaceReader.h"
+#include "fontmanager/FontRequestHandler.h"
+#include "fontmanager/LauncherEntry.h"
+#include "fontmanager/LibraryChanges.h"
+#include "fontmanager/LibraryImporter.h"
+#include "fontmanager/LibraryPaths.h"
+#include "fontmanager/Server.h"
+#include "platform/linux/DBusAppEvents.h"
+
+#include <ctime>
+#include <functional>
+#include <map>
+
+namespace Vellumine {
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+struct Command {
+    const char* usage;
+    const char* help;
+    std::function<int(const Arguments&, std::ostream&, std::ostream&)> run;
+};
+
+constexpr int usageError = 2;
+
+bool wantsHelp(const Arguments& arguments) {
+    for (const auto& argument : arguments) {
+        if (argument == "--help" || argument == "-h") {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string formatTime(std::int64_t unixTime) {
+    const std::time_t time = static_cast<std::time_t>(unixTime);
+    std::tm parts{};
+    localtime_r(&time, &parts);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts);
+    return text;
+}
+
+int serveCommand(const Arguments& arguments, std::ostream&, std::ostream& errors) {
+    ServeOptions options;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--protocol-version" && i + 1 < arguments.size()) {
+            options.protocolVersion = arguments[++i];
+        } else {
+            errors << "vellumine serve: unknown argument '" << arguments[i] << "'\n";
+            return usageError;
+        }
+    }
+    return serve(LibraryPaths::fromEnvironment(), options, errors);
+}
+
+int addCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    if (arguments.empty()) {
+        errors << "vellumine add: name at least one font file or folder\n";
+        return usageError;
+    }
+    const auto paths = LibraryPaths::fromEnvironment();
+    Catalog catalog(paths.catalogFile());
+    FaceReader reader;
+    LibraryImporter importer(catalog, reader);
+    const ImportReport report =
+        importer.add(std::vector<std::filesystem::path>(arguments.begin(), arguments.end()));
+    for (const auto& message : report.messages) {
+        (message.rfind("skipped ", 0) == 0 || message.find(": no such") != std::string::npos
+             ? errors
+             : out)
+            << message << "\n";
+    }
+    out << report.facesAdded << " face(s) added, " << report.facesKnown << " already known, "
+        << report.filesSkipped << " file(s) skipped\n";
+    if (report.facesAdded > 0 || report.facesKnown > 0) {
+        LibraryChanges(catalog).announce(ChangeKind::libraryFilesChanged);
+    }
+    return report.missingPaths ? 1 : 0;
+}
+
+int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    bool activeOnly = false;
+    std::string name;
+    for (const auto& argument : arguments) {
+        if (argument == "--active") {
+            activeOnly = true;
+        } else if (name.empty() && argument.rfind("-", 0) != 0) {
+            name = argument;
+        } else {
+            errors << "vellumine list: unknown argument '" << argument << "'\n";
+            return usageError;
+        }
+    }
+    Catalog catalog(LibraryPaths::fromEnvironment().catalogFile());
+    const auto faces = name.empty() ? catalog.allFaces() : catalog.facesByPostScriptName(name);
+    for (const auto& face : faces) {
+        if (activeOnly && !face.active) {
+            continue;
+        }
+        out << face.id << "\t" << wireText(face.type) << "\t"
+            << (face.active ? "active" : "inactive") << "\t" << face.postScriptName << "\t"
+            << face.family << "\t" << face.style << "\t" << face.file.string()
+            << (face.faceIndex > 0 ? "#" + std::to_string(face.faceIndex) : "") << "\n";
+    }
+    return 0;
+}
+
+// A container id, or a PostScript name; `all` allows a name to stand for several faces.
+bool resolveFaces(Catalog& catalog, const std::string& argument, bool all,
+                  std::vector<std::int64_t>& ids, std::ostream& errors) {
+    if (const auto id = parseContainerID(argument)) {
+        ids.push_back(*id);
+        return true;
+    }
+    const auto faces = catalog.facesByPostScriptName(argument);
+    if (faces.empty()) {
+        errors << "no face with container id or PostScript name '" << argument << "'\n";
+        return false;
+    }
+    if (faces.size() > 1 && !all) {
+        errors << argument << " names " << faces.size()
+               << " faces; name one by its container id:\n";
+        for (const auto& face : faces) {
+            errors << "  " << face.id << "\t" << describeFace(face) << "\n";
+        }
+        return false;
+    }
+    for (const auto& face : faces) {
+        ids.push_back(face.id);
+    }
+    return true;
+}
+
+int changeActivation(const Arguments& arguments, std::ostream& out, std::ostream& errors,
+                     bool activate) {
+    if (arguments.empty()) {
+        errors << "vellumine " << (activate ? "activate" : "deactivate")
+               << ": name at least one container id or PostScript name\n";
+        return usageError;
+    }
+    const auto paths = LibraryPaths::fromEnvironment();
+    Catalog catalog(paths.catalogFile());
+    Activation activation(catalog, paths.activationFolder());
+    bool failed = false;
+    bool changed = false;
+    for (const auto& argument : arguments) {
+        std::vector<std::int64_t> ids;
+        if (!resolveFaces(catalog, argument, !activate, ids, errors)) {
+            failed = true;
+            continue;
+        }
+        for (const auto id : ids) {
+            const ActivationResult result =
+                activate ? activation.activate(id) : activation.deactivate(id);
+            (result.succeeded() ? out : errors) << result.message << "\n";
+            failed = failed || !result.succeeded();
+            changed = changed || result.outcome == ActivationResult::Outcome::changed;
+        }
+    }
+    if (changed) {
+        LibraryChanges(catalog).announce(ChangeKind::activeFontsChanged);
+    }
+    return failed ? 1 : 0;
+}
+
+std::string serverState() {
+    int status = 0;
+    auto bus = Platform::Linux::DBusAppEvents::open("", status);
+    if (!bus) {
+        return "unknown (no session bus)";
+    }
+    return bus->hasOwner(serviceBusName) ? "running (" + serviceBusName + " is owned)"
+                                         : "not running";
+}
+
+void printWindowlessRequests(Catalog& catalog, const std::string& kind, const char* title,
+                             std::ostream& out) {
+    const auto requests = catalog.windowlessRequests(kind, 20);
+    out << title << (requests.empty() ? ": none\n" : ":\n");
+    for (const auto& request : requests) {
+        out << "  " << formatTime(request.unixTime) << "  " << request.postScriptName
+            << (request.type.empty() ? "" : " (" + request.type + ")")
+            << (request.containerID.empty() ? "" : " container " + request.containerID)
+            << (request.application.empty() ? "" : " from " + request.application) << "\n";
+    }
+}
+
+int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    if (!arguments.empty()) {
+        errors << "vellumine status: takes no arguments\n";
+        return usageError;
+    }
+    const auto paths = LibraryPaths::fromEnvironment();
+    Catalog catalog(paths.catalogFile());
+    out << "catalog: " << paths.catalogFile().string() << "\n"
+        << "activation folder: " << paths.activationFolder().string() << "\n"
+        << "faces: " << catalog.faceCount() << " (" << catalog.activeFaceCount() << " active)\n"
+        << "server: " << serverState() << "\n";
+    out << "applications told of changes:";
+    for (const auto& target : catalog.targets()) {
+        out << " " << target.signature << " (" << target.eventClass << ")";
+    }
+    out << "\n";
+    for (const auto& link : catalog.allLinks()) {
+        if (!Activation::isIntact(link)) {
+            out << "broken activation link: " << link.link.string() << " (container " << link.faceId
+                << ")\n";
+        }
+    }
+    printWindowlessRequests(catalog, "show", "asked to show (vellumine has no window)", out);
+    printWindowlessRequests(catalog, "buy", "wish list (vellumine has no store)", out);
+    return 0;
+}
+
+int installLauncherCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    std::filesystem::path dataHome;
+    if (arguments.size() == 2 && arguments[0] == "--data-home") {
+        dataHome = arguments[1];
+    } else if (arguments.empty()) {
+        dataHome = LibraryPaths::fromEnvironment().dataHome;
+    } else {
+        errors << "vellumine install-launcher: usage: install-launcher [--data-home DIR]\n";
+        return usageError;
+    }
+    out << "wrote " << installLauncher(dataHome, ownExecutable()).string() << "\n";
+    return 0;
+}
+
+const std::map<std::string, Command>& commands() {
+    static const std::map<std::string, Command> table = {
+        {"serve",
+         {"serve [--protocol-version X]",
+          "Owns org.vellumine.Vellumine on the session bus and answers font, activation, show\n"
+          "and buy requests until SIGTERM or SIGINT. Announces protocol version 2.0 unless\n"
+          "--protocol-version names another (for tests). Refuses with status 3 while another\n"
+          "vellumine serves.",
+          serveCommand}},
+        {"add",
+         {"add PATH...",
+          "Adds font files, and folders recursively, to the library: Type 1 (.pfb, .pfa, .t1,\n"
+          "with .afm/.pfm metrics beside them), TrueType, OpenType and collections. Damaged\n"
+          "files are reported and skipped; a file added again keeps its container ids.",
+          addCommand}},
+        {"list",
+         {"list [--active] [POSTSCRIPT-NAME]",
+          "Lists the library's faces: container id, type, state, PostScript name, family,\n"
+          "style and file.",
+          listCommand}},
+        {"activate",
+         {"activate ID|POSTSCRIPT-NAME...",
+          "Links faces into the activation folder, where fontconfig finds them. A PostScript\n"
+          "name that several faces share must be given as a container id.",
+          [](const Arguments& a, std::ostream& o, std::ostream& e) {
+              return changeActivation(a, o, e, true);
+          }}},
+        {"deactivate",
+         {"deactivate ID|POSTSCRIPT-NAME...",
+          "Removes the links that activation made (a PostScript name deactivates every face\n"
+          "of that name). Files it did not make are never touched.",
+          [](const Arguments& a, std::ostream& o, std::ostream& e) {
+              return changeActivation(a, o, e, false);
+          }}},
+        {"status",
+         {"status",
+          "Shows the catalog and activation folder, the number of faces, whether the server\n"
+          "runs, which applications hear of changes, and recent show and buy requests.",
+          statusCommand}},
+        {"install-launcher",
+         {"install-launcher [--data-home DIR]",
+          "Writes the desktop entry org.vellumine.Vellumine.Launcher3.desktop, which starts\n"
+          "this vellumine's `serve`, into DIR/applications (default: $XDG_DATA_HOME).",
+          installLauncherCommand}},
+    };
+    return table;
+}
+
+void printUsage(std::ostream& out) {
+    out << "usage: vellumine COMMAND [ARGUMENTS]\n\ncommands:\n";
+    for (const auto& [name, command] : commands()) {
+        out << "  " << command.usage << "\n";
+    }
+    out << "\n`vellumine COMMAND --help` describes a command. The library lives in\n"
+           "$XDG_DATA_HOME/vellumine/library.db; active fonts are linked into\n"
+           "$XDG_DATA_HOME/fonts/vellumine/. VELLUMINE_LOG=1 logs to standard error.\n";
+}
+
+} // namespace
+
+int runCli(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    if (arguments.empty() || arguments[0] == "--help" || arguments[0] == "-h" ||
+        arguments[0] == "help") {
+        printUsage(arguments.empty() ? errors : out);
+        return arguments.empty() ? usageError : 0;
+    }
+    const auto command = commands().find(arguments[0]);
+    if (command == commands().end()) {
+        errors << "vellumine: unknown command '" << arguments[0] << "'\n";
+        printUsage(errors);
+        return usageError;
+    }
+    const Arguments rest(arguments.begin() + 1, arguments.end());
+    if (wantsHelp(rest)) {
+        out << "usage: vellumine " << command->second.usage << "\n\n"
+            << command->second.help << "\n";
+        return 0;
+    }
+    try {
+        return command->second.run(rest, out, errors);
+    } catch (const std::exception& error) {
+        errors << "vellumine " << arguments[0] << ": " << error.what() << "\n";
+        return 1;
+    }
+}
+
+} // namespace Vellumine

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "fontmanager/FaceType.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Vellumine {
+
+// What the library needs to know of one face of a font file.
+struct FaceDescription {
+    long faceIndex = 0;
+    std::string postScriptName;
+    std::string family;
+    std::string style;
+    FaceType type = FaceType::trueType;
+};
+
+// The faces of one font file, or why none could be read. A collection yields one entry per
+// usable face; faces that cannot be used are listed in `problems` and skipped.
+struct FontFileReading {
+    std::vector<FaceDescription> faces;
+    std::vector<std::string> problems;
+};
+
+// Reads names and formats with FreeType. Never throws for a damaged file: the reason goes
+// into `problems`.
+class FaceReader {
+public:
+    FaceReader();
+    ~FaceReader();
+    FaceReader(const FaceReader&) = delete;
+    FaceReader& operator=(const FaceReader&) = delete;
+
+    FontFileReading read(const std::filesystem::path& file) const;
+
+private:
+    struct Library;
+    std::unique_ptr<Library> library;
+};
+
+} // namespace Vellumine

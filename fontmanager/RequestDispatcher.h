@@ -1,0 +1,44 @@
+#pragma once
+
+#include "fontmanager/Activation.h"
+#include "fontmanager/Catalog.h"
+#include "fontmanager/LibraryChanges.h"
+#include "fontmanager/RequestParser.h"
+
+#include <set>
+#include <string>
+#include <utility>
+
+namespace Vellumine {
+
+struct DispatcherOptions {
+    std::string protocolVersion = "2.0";
+    RequestLimits limits;
+};
+
+// Turns one request text into its reply text. Never throws: a malformed request, an
+// unknown command or a failing catalog gives an "errorReply" carrying the protocol version
+// and an <error> line, and the refusal is logged. Remembers the applications that name
+// themselves with <targetApp> so that they hear of later library changes.
+class RequestDispatcher {
+public:
+    RequestDispatcher(Catalog& catalog, Activation& activation, LibraryChanges& changes,
+                      DispatcherOptions options = {});
+
+    std::string answer(const std::string& requestText);
+
+    static bool isSignature(const std::string& text);
+
+private:
+    std::string dispatch(const Request& request);
+    std::string errorReply(const std::string& why) const;
+    void rememberTarget(const Request& request);
+
+    Catalog& catalog;
+    Activation& activation;
+    LibraryChanges& changes;
+    DispatcherOptions options;
+    std::set<std::pair<std::string, std::string>> rememberedTargets;
+};
+
+} // namespace Vellumine

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "fontmanager/LibraryPaths.h"
+
+#include <ostream>
+#include <string>
+
+namespace Vellumine {
+
+// The bus name vellumine owns while it serves; owning it is also the lock that keeps a
+// second server out.
+inline const std::string serviceBusName = "org.vellumine.Vellumine";
+// The event class under which requests arrive (the font manager's signature).
+inline const std::string requestEventClass = "VLMQ";
+
+struct ServeOptions {
+    std::string protocolVersion = "2.0";
+};
+
+// Owns the bus name, answers requests and forwards library changes until SIGTERM, SIGINT
+// or the loss of the bus. Returns the process exit status: 0 after a signal, 3 when
+// another process serves already, 1 on other failures.
+int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& errors);
+
+} // namespace Vellumine
