@@ -6,21 +6,35 @@
 
 namespace VLM {
 
+MacVLMNotifyHandler::~MacVLMNotifyHandler() {
+    if (handlerUPP != nullptr) {
+        removeEventHandler();
+    }
+}
+
+void MacVLMNotifyHandler::removeEventHandler() {
+    if (Platform::AppEvents* events = Platform::services().appEvents) {
+        events->removeHandler(targetClass, Platform::anyEventID, &MacVLMNotifyHandler::HandleEvent);
+    }
+    handlerUPP = nullptr;
+}
+
 void MacVLMNotifyHandler::start() {
     handlerUPP = &MacVLMNotifyHandler::HandleEvent;
     if (Platform::AppEvents* events = Platform::services().appEvents) {
         events->installHandler(targetClass, Platform::anyEventID, handlerUPP, this);
     }
     if (!daemon) {
-        daemon = std::make_unique<BSDNotification::Daemon>();
-        daemon->addListener(libraryChangedNotification);
+        // Kept only once it watches: a failed registration raises and a later start()
+        // tries again.
+        auto watcher = std::make_unique<BSDNotification::Daemon>();
+        watcher->addListener(libraryChangedNotification);
+        daemon = std::move(watcher);
     }
 }
 
 void MacVLMNotifyHandler::end() {
-    if (Platform::AppEvents* events = Platform::services().appEvents) {
-        events->removeHandler(targetClass, Platform::anyEventID, &MacVLMNotifyHandler::HandleEvent);
-    }
+    removeEventHandler();
     daemon.reset();
 }
 

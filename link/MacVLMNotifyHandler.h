@@ -18,7 +18,8 @@ public:
     static constexpr unsigned int retryDelayTicks = 30;
 
     MacVLMNotifyHandler() = default;
-    ~MacVLMNotifyHandler() override = default;
+    // Takes its event handler out if end() did not, so no event reaches a dead object.
+    ~MacVLMNotifyHandler() override;
     MacVLMNotifyHandler(const MacVLMNotifyHandler&) = delete;
     MacVLMNotifyHandler& operator=(const MacVLMNotifyHandler&) = delete;
 
@@ -35,6 +36,9 @@ public:
     bool isWatchingLibrary() const { return daemon != nullptr; }
 
 private:
+    void removeEventHandler();
+
+    // Set while the event handler is installed.
     Platform::AppEventHandlerProc handlerUPP = nullptr;
     std::unique_ptr<BSDNotification::Daemon> daemon;
 };

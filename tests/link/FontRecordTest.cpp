@@ -6,18 +6,6 @@
 
 namespace {
 
-TEST(FontRecord, StartsAsAnUnknownFontWithNothingKnown) {
-    VLMFontInfo record;
-    EXPECT_EQ(record.font.type, 4);
-    EXPECT_EQ(record.font.count + record.font.typeMatchingCount + record.font.reservedValue, 0u);
-    EXPECT_FALSE(record.font.isActive || record.font.isTypeMatchingActive ||
-                 record.font.activationSuccessfull);
-    EXPECT_TRUE(record.font.fontInfo.empty());
-    EXPECT_TRUE(record.stateFlag0);
-    EXPECT_FALSE(record.stateFlag1 || record.hasTypeMatching || record.stateFlag3 ||
-                 record.stateFlag4);
-}
-
 TEST(FontRecord, TypeTexts) {
     struct Row {
         int type;

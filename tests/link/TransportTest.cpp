@@ -83,11 +83,6 @@ TEST_F(Transport, ExceptionsStayInsideTheTransport) {
     EXPECT_EQ(platform.appEvents.sent().size(), 20u);
 }
 
-TEST_F(Transport, WithoutPlatformServicesAnswersEmpty) {
-    Platform::install({});
-    EXPECT_EQ(handler.SendToVlm("request"), "");
-}
-
 // Records what it was told and can act on the registry from inside the broadcast.
 class Listener : public VLM::IVLMChangeNotifier {
 public:
