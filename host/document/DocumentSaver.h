@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace Galley {
+
+class IdmlDocument;
+
+struct SaveOptions {
+    // The document's own file is replaced only when asked for.
+    bool overwriteOriginal = false;
+};
+
+// Save As: writes the document as a new IDML package at `target`.
+//
+// The package starts with the stored "mimetype" part; every part the document did not
+// change is written with its original bytes; changed stories are serialised anew, and
+// Resources/Fonts.xml then lists the faces the document now uses. The package is written
+// to a temporary file beside the target and renamed over it only when complete, so a
+// failed save leaves whatever was at `target` untouched. Throws IdmlError naming the target.
+void saveDocumentAs(IdmlDocument& document, const std::string& target,
+                    const SaveOptions& options = {});
+
+} // namespace Galley

@@ -1,0 +1,53 @@
+#include "host/document/FontUsage.h"
+
+#include "host/idml/Story.h"
+#include "host/idml/StyleSheet.h"
+
+#include <algorithm>
+
+namespace Galley {
+
+namespace {
+
+FontSpec styleFont(const StyleSheet& styles, StyleKind kind, const std::string& self) {
+    const TextStyle* style = styles.find(kind, self);
+    return style ? style->resolved : FontSpec{};
+}
+
+FontKey complete(FontSpec spec) {
+    spec.inheritFrom({std::string(kDefaultFontFamily), std::string(kDefaultFontStyle)});
+    return {*spec.family, *spec.style};
+}
+
+void addOnce(std::vector<FontKey>& keys, FontKey key) {
+    if (std::find(keys.begin(), keys.end(), key) == keys.end())
+        keys.push_back(std::move(key));
+}
+
+} // namespace
+
+FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles) {
+    FontSpec spec = run.characterLocal;
+    spec.inheritFrom(styleFont(styles, StyleKind::Character, run.characterStyle));
+    spec.inheritFrom(run.paragraphLocal);
+    spec.inheritFrom(styleFont(styles, StyleKind::Paragraph, run.paragraphStyle));
+    return complete(std::move(spec));
+}
+
+std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>& stories,
+                                      const StyleSheet& styles) {
+    std::vector<FontKey> keys;
+    for (const auto& story : stories) {
+        for (const StoryRun& run : story->runs())
+            addOnce(keys, resolveRunFont(run, styles));
+    }
+    for (StyleKind kind : {StyleKind::Paragraph, StyleKind::Character}) {
+        for (const TextStyle& style : styles.styles()) {
+            if (style.kind == kind && !style.resolved.empty())
+                addOnce(keys, complete(style.resolved));
+        }
+    }
+    return keys;
+}
+
+} // namespace Galley

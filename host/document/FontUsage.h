@@ -1,0 +1,29 @@
+#pragma once
+
+#include "host/idml/FontSpec.h"
+
+#include <memory>
+#include <vector>
+
+namespace Galley {
+
+class Story;
+class StyleSheet;
+struct StoryRun;
+
+// The face used when neither the text nor any style names one.
+inline constexpr const char* kDefaultFontFamily = "Nimbus Roman";
+inline constexpr const char* kDefaultFontStyle = "Regular";
+
+// A run's face: its own attributes, then its character style chain, then the attributes
+// of its paragraph range, then its paragraph style chain, then the application default.
+// Family and face are resolved independently of each other.
+FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles);
+
+// Every distinct face the document uses, each once: first the faces of the text, in story
+// order and text order, then faces that only styles name, in the order of Styles.xml.
+// A character style that sets only a family or only a face is completed with the default.
+std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>& stories,
+                                      const StyleSheet& styles);
+
+} // namespace Galley

@@ -1,0 +1,76 @@
+#include "host/document/IdmlDocument.h"
+
+#include "host/idml/IdmlError.h"
+
+namespace Galley {
+
+IdmlDocument::IdmlDocument(IdmlPackage package, SessionFontMgr& fonts)
+    : package_(std::move(package)), resolver_(catalog_, fonts),
+      families_(resolver_, [this] { return nextUID(); }), usage_(*this) {}
+
+std::unique_ptr<IdmlDocument> IdmlDocument::open(const std::string& path, SessionFontMgr& fonts,
+                                                 const PackageLimits& limits) {
+    std::unique_ptr<IdmlDocument> document(
+        new IdmlDocument(IdmlPackage::read(path, limits), fonts));
+    IdmlDocument& d = *document;
+    XmlDocPtr designMap = d.parsePart("designmap.xml", true);
+    d.designMap_ = DesignMap::parse(path, designMap.get());
+    if (XmlDocPtr fontsXml = d.parsePart(d.designMap_.fontsPart, false))
+        d.catalog_ = FontsCatalog::parse(fontsXml.get());
+    if (XmlDocPtr stylesXml = d.parsePart(d.designMap_.stylesPart, false))
+        d.styles_ = StyleSheet::parse(path, d.designMap_.stylesPart, stylesXml.get());
+    for (const std::string& part : d.designMap_.storyParts) {
+        const PackagePart* data = d.package_.find(part);
+        if (!data)
+            throw IdmlError(path, part, "designmap.xml lists this story, but the package lacks it");
+        d.stories_.push_back(std::make_unique<Story>(path, part, data->data, d.styles_));
+        d.models_.push_back(std::make_unique<StoryTextModel>(d.nextUID(), *d.stories_.back(), d));
+    }
+    d.usage_.Update();
+    return document;
+}
+
+XmlDocPtr IdmlDocument::parsePart(const std::string& name, bool required) const {
+    const PackagePart* part = package_.find(name);
+    if (!part) {
+        if (required)
+            throw IdmlError(package_.path(), name, "the package lacks this part");
+        return nullptr;
+    }
+    return parseXmlPart(package_.path(), name, part->data);
+}
+
+PMString IdmlDocument::GetName() const {
+    const std::string& path = package_.path();
+    return PMString(path.substr(path.rfind('/') == std::string::npos ? 0 : path.rfind('/') + 1));
+}
+
+bool IdmlDocument::IsModified() const {
+    for (const auto& story : stories_) {
+        if (story->modified())
+            return true;
+    }
+    return false;
+}
+
+ITextModel* IdmlDocument::InstantiateTextModel(UID uid) {
+    for (const auto& model : models_) {
+        if (model->GetUID() == uid)
+            return model.get();
+    }
+    return nullptr;
+}
+
+UID IdmlDocument::GetNthTextModelUID(int32 index) const {
+    if (index < 0 || index >= GetTextModelCount())
+        return kInvalidUID;
+    return models_[index]->GetUID();
+}
+
+void IdmlDocument::adoptSavedPackage(IdmlPackage package) {
+    package_ = std::move(package);
+    for (const auto& story : stories_)
+        story->markSaved();
+}
+
+} // namespace Galley

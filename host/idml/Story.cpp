@@ -1,0 +1,193 @@
+#include "host/idml/Story.h"
+
+#include "host/idml/IdmlError.h"
+#include "host/idml/StyleSheet.h"
+
+#include <cstring>
+
+namespace Galley {
+
+namespace {
+
+const xmlChar* xml(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
+
+int codePoints(const std::string& utf8) {
+    int count = 0;
+    for (unsigned char c : utf8)
+        count += (c & 0xC0) != 0x80;
+    return count;
+}
+
+// Byte offset of code point `index` in `utf8`.
+std::size_t byteOffset(const std::string& utf8, int index) {
+    std::size_t i = 0;
+    for (int seen = -1; i < utf8.size(); ++i) {
+        if ((static_cast<unsigned char>(utf8[i]) & 0xC0) != 0x80 && ++seen == index)
+            return i;
+    }
+    return utf8.size();
+}
+
+bool isSpecialCharacter(const xmlNode* node) {
+    return node->type == XML_PI_NODE &&
+           std::strcmp(reinterpret_cast<const char*>(node->name), "ACE") == 0;
+}
+
+int characterCount(const xmlNode* child) {
+    if (isElement(child, "Content"))
+        return codePoints(textContent(child));
+    if (isElement(child, "Br") || isSpecialCharacter(child))
+        return 1;
+    return 0;
+}
+
+FontSpec localFont(const xmlNode* node) {
+    return {property(node, "AppliedFont"), property(node, "FontStyle")};
+}
+
+void setText(xmlNode* element, const std::string& text) {
+    xmlNodeSetContent(element, nullptr);
+    xmlAddChild(element, xmlNewDocText(element->doc, xml(text.c_str())));
+}
+
+// Writes a property where the range already keeps it; a new AppliedFont goes into
+// Properties and a new FontStyle into an attribute, as IDML writers do.
+void setProperty(xmlNode* range, const char* name, const std::string& value) {
+    if (xmlHasProp(range, xml(name))) {
+        xmlSetProp(range, xml(name), xml(value.c_str()));
+        return;
+    }
+    auto* properties = const_cast<xmlNode*>(firstChildElement(range, "Properties"));
+    if (auto* existing = const_cast<xmlNode*>(firstChildElement(properties, name))) {
+        setText(existing, value);
+        return;
+    }
+    if (std::strcmp(name, "FontStyle") == 0) {
+        xmlSetProp(range, xml(name), xml(value.c_str()));
+        return;
+    }
+    if (!properties) {
+        properties = xmlNewDocNode(range->doc, nullptr, xml("Properties"), nullptr);
+        if (range->children)
+            xmlAddPrevSibling(range->children, properties);
+        else
+            xmlAddChild(range, properties);
+    }
+    xmlNode* element = xmlNewDocNode(range->doc, nullptr, xml(name), nullptr);
+    xmlSetProp(element, xml("type"), xml("string"));
+    setText(element, value);
+    xmlAddChild(properties, element);
+}
+
+} // namespace
+
+Story::Story(const std::string& file, std::string part, const std::string& data,
+             const StyleSheet& styles)
+    : file_(file), part_(std::move(part)), styles_(&styles), doc_(parseXmlPart(file, part_, data)) {
+    rebuildRuns();
+}
+
+void Story::rebuildRuns() {
+    runs_.clear();
+    length_ = 0;
+    collectRuns(xmlDocGetRootElement(doc_.get()), nullptr);
+}
+
+void Story::collectRuns(xmlNode* node, const xmlNode* paragraph) {
+    for (xmlNode* child = node->children; child; child = child->next) {
+        if (child->type != XML_ELEMENT_NODE)
+            continue;
+        if (isElement(child, "ParagraphStyleRange")) {
+            collectRuns(child, child);
+            continue;
+        }
+        if (!isElement(child, "CharacterStyleRange")) {
+            collectRuns(child, paragraph);
+            continue;
+        }
+        StoryRun run;
+        run.range = child;
+        run.start = length_;
+        for (const xmlNode* item = child->children; item; item = item->next)
+            run.length += characterCount(item);
+        if (paragraph) {
+            run.paragraphStyle = attribute(paragraph, "AppliedParagraphStyle").value_or("");
+            run.paragraphLocal = localFont(paragraph);
+        }
+        run.characterStyle = attribute(child, "AppliedCharacterStyle").value_or("");
+        run.characterLocal = localFont(child);
+        if (!styles_->find(StyleKind::Paragraph, run.paragraphStyle) &&
+            !StyleSheet::isBuiltInEmptyStyle(run.paragraphStyle))
+            throw IdmlError(file_, part_,
+                            "text uses paragraph style \"" + run.paragraphStyle +
+                                "\", which the document lacks");
+        if (!styles_->find(StyleKind::Character, run.characterStyle) &&
+            !StyleSheet::isBuiltInEmptyStyle(run.characterStyle))
+            throw IdmlError(file_, part_,
+                            "text uses character style \"" + run.characterStyle +
+                                "\", which the document lacks");
+        length_ += run.length;
+        if (run.length > 0)
+            runs_.push_back(std::move(run));
+        collectRuns(child, paragraph); // nested stories of tables and notes
+    }
+}
+
+// Splits the range that holds `position` so that a range starts there.
+void Story::splitAt(int position) {
+    for (const StoryRun& run : runs_) {
+        if (position <= run.start || position >= run.start + run.length)
+            continue;
+        xmlNode* first = run.range;
+        xmlNode* second = xmlDocCopyNode(first, doc_.get(), 2);
+        if (const xmlNode* properties = firstChildElement(first, "Properties"))
+            xmlAddChild(second, xmlDocCopyNode(const_cast<xmlNode*>(properties), doc_.get(), 1));
+        const int cut = position - run.start;
+        int offset = 0;
+        for (xmlNode* item = first->children; item;) {
+            xmlNode* next = item->next;
+            const int count = characterCount(item);
+            if (isElement(item, "Properties")) {
+                // stays with the first half; the second has its copy
+            } else if (offset >= cut) {
+                xmlUnlinkNode(item);
+                xmlAddChild(second, item);
+            } else if (offset + count > cut) {
+                std::string text = textContent(item);
+                std::size_t at = byteOffset(text, cut - offset);
+                setText(item, text.substr(0, at));
+                xmlNode* rest = xmlNewDocNode(doc_.get(), item->ns, xml("Content"), nullptr);
+                setText(rest, text.substr(at));
+                xmlAddChild(second, rest);
+            }
+            offset += count;
+            item = next;
+        }
+        xmlAddNextSibling(first, second);
+        rebuildRuns();
+        return;
+    }
+}
+
+bool Story::applyLocalFont(int start, int length, const FontSpec& font) {
+    if (start < 0 || length <= 0 || start + length > length_)
+        return false;
+    splitAt(start);
+    splitAt(start + length);
+    for (const StoryRun& run : runs_) {
+        if (run.start < start || run.start + run.length > start + length)
+            continue;
+        if (font.family)
+            setProperty(run.range, "AppliedFont", *font.family);
+        if (font.style)
+            setProperty(run.range, "FontStyle", *font.style);
+    }
+    rebuildRuns();
+    modified_ = true;
+    ++revision_;
+    return true;
+}
+
+} // namespace Galley

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "host/idml/FontSpec.h"
+#include "host/idml/XmlPart.h"
+
+#include <string>
+#include <vector>
+
+namespace Galley {
+
+class StyleSheet;
+
+// A stretch of a story's text in one CharacterStyleRange, with the formatting that applies
+// to it at each level.
+struct StoryRun {
+    xmlNode* range = nullptr; // the CharacterStyleRange element
+    int start = 0;            // in characters from the story's start
+    int length = 0;
+    std::string paragraphStyle; // self of the applied paragraph style
+    std::string characterStyle; // self of the applied character style
+    FontSpec paragraphLocal;    // set on the ParagraphStyleRange
+    FontSpec characterLocal;    // set on the CharacterStyleRange
+};
+
+// One Stories/*.xml part. Characters are counted as code points of <Content>, plus one for
+// each <Br/> and each special-character instruction; empty ranges form no run.
+class Story {
+public:
+    // Throws IdmlError naming `file` and `part` for malformed XML or a style the sheet lacks.
+    Story(const std::string& file, std::string part, const std::string& data,
+          const StyleSheet& styles);
+
+    const std::string& part() const { return part_; }
+    const std::vector<StoryRun>& runs() const { return runs_; }
+    int length() const { return length_; }
+    bool modified() const { return modified_; }
+    void markSaved() { modified_ = false; }
+    // Changes with every edit, so that views of the runs know when to rebuild.
+    unsigned revision() const { return revision_; }
+    std::string serialize() const { return serializeXmlPart(doc_.get()); }
+
+    // Sets a local family and/or face on [start, start + length), splitting ranges at the
+    // ends. Returns false when the range lies outside the text.
+    bool applyLocalFont(int start, int length, const FontSpec& font);
+
+private:
+    void rebuildRuns();
+    void collectRuns(xmlNode* node, const xmlNode* paragraph);
+    void splitAt(int position);
+
+    std::string file_;
+    std::string part_;
+    const StyleSheet* styles_ = nullptr;
+    XmlDocPtr doc_;
+    std::vector<StoryRun> runs_;
+    int length_ = 0;
+    bool modified_ = false;
+    unsigned revision_ = 0;
+};
+
+} // namespace Galley

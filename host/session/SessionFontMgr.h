@@ -1,0 +1,50 @@
+#pragma once
+
+#include "host/fonts/InstalledFace.h"
+#include "host/session/InstalledFont.h"
+#include "host/session/Subject.h"
+#include "sdk/IFontMgr.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Galley {
+
+// The session's font manager over a face source (fontconfig in Galley).
+class SessionFontMgr : public IFontMgr {
+public:
+    explicit SessionFontMgr(FaceSource& source);
+
+    int32 GetFontCount(bool afterPendingUpdate, int32 filter) const override;
+    bool UpdateFontList() override;
+    IPMFont* QueryFont(const PMString& name) const override;
+    int32 GetNumFontFamilies() const override;
+    IFontFamily* GetNthFontFamily(int32 index) const override;
+    IFontFamily* QueryFontFamily(const PMString& familyName) const override;
+    ISubject* GetSubject() override { return &subject_; }
+
+    // The installed face with that PostScript name. When several formats carry the name
+    // (URW base35 ships each face as Type 1 and OpenType CFF), a face of `preferred` type
+    // wins, then OpenType CFF, OpenType TrueType, TrueType, Type 1, the rest.
+    InstalledFont* findByPostScriptName(const std::string& name, IPMFont::FontType preferred) const;
+    // The installed face whose family and style match (any of fontconfig's names for them,
+    // ignoring case), in the same order of preference.
+    InstalledFont* findByFamilyAndStyle(const std::string& family, const std::string& style,
+                                        IPMFont::FontType preferred) const;
+    const std::vector<InstalledFont*>& installedFonts() const { return current_; }
+
+private:
+    bool adopt(std::vector<InstalledFace> faces);
+    InstalledFamily* familyNamed(const std::string& name) const;
+
+    FaceSource& source_;
+    std::map<std::string, std::unique_ptr<InstalledFont>> fonts_; // by identity, never dropped
+    std::map<std::string, std::unique_ptr<InstalledFamily>> families_;
+    std::vector<InstalledFont*> current_;
+    std::vector<InstalledFamily*> currentFamilies_;
+    Subject subject_;
+};
+
+} // namespace Galley
