@@ -43,7 +43,10 @@ std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>&
     }
     for (StyleKind kind : {StyleKind::Paragraph, StyleKind::Character}) {
         for (const TextStyle& style : styles.styles()) {
-            if (style.kind == kind && !style.resolved.empty())
+            // A character style that sets only a face names no font of its own.
+            bool names = kind == StyleKind::Paragraph ? !style.resolved.empty()
+                                                      : style.resolved.family.has_value();
+            if (style.kind == kind && names)
                 addOnce(keys, complete(style.resolved));
         }
     }

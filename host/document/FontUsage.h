@@ -22,7 +22,8 @@ FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles);
 
 // Every distinct face the document uses, each once: first the faces of the text, in story
 // order and text order, then faces that only styles name, in the order of Styles.xml.
-// A character style that sets only a family or only a face is completed with the default.
+// A style's face is completed with the default where its chain leaves family or face open;
+// a character style that sets only a face (such as "Italic") names no font by itself.
 std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>& stories,
                                       const StyleSheet& styles);
 
