@@ -119,6 +119,22 @@ TEST_F(DBusAppEventsTest, NameWithoutOwnerIsNotRunningAndNothingIsStarted) {
     EXPECT_FALSE(host->hasOwner("org.vellumine.Vellumine"));
 }
 
+TEST_F(DBusAppEventsTest, AReceiverThatNeverAnswersIsATimeout) {
+    // The bus's default method-call timeout, shortened for the test through sd-bus's own
+    // setting; it is read when a connection is made.
+    setenv("SYSTEMD_BUS_TIMEOUT", "1", 1);
+    auto client = openOrFail("");
+    unsetenv("SYSTEMD_BUS_TIMEOUT");
+    auto silent = openOrFail("org.vellumine.Vellumine");
+    ASSERT_TRUE(client && silent);
+    Received received;
+    silent->installHandler("VLMQ", Platform::anyEventID, record, &received);
+
+    std::string reply = "stale";
+    EXPECT_EQ(client->send("VLMQ", {"VLMQ", "****", ""}, reply), Status::timeout);
+    EXPECT_EQ(reply, "");
+}
+
 TEST_F(DBusAppEventsTest, SecondOwnerOfANameIsRefused) {
     auto first = openOrFail("org.vellumine.Vellumine");
     ASSERT_TRUE(first);
