@@ -1,0 +1,78 @@
+#include "FontFixtures.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace VellumineTest {
+
+ScratchFolder::ScratchFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "vellumine-test-XXXXXX");
+    if (mkdtemp(pattern.data()) == nullptr) {
+        throw std::runtime_error("cannot make a scratch folder");
+    }
+    root = pattern;
+}
+
+ScratchFolder::~ScratchFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(root, ignored);
+}
+
+std::filesystem::path ScratchFolder::write(const std::string& name,
+                                           const std::string& bytes) const {
+    const auto file = root / name;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << bytes;
+    return file;
+}
+
+std::string readFile(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+namespace {
+
+std::uint32_t read32(const std::string& bytes, std::size_t at) {
+    return (std::uint32_t(std::uint8_t(bytes[at])) << 24) |
+           (std::uint32_t(std::uint8_t(bytes[at + 1])) << 16) |
+           (std::uint32_t(std::uint8_t(bytes[at + 2])) << 8) |
+           std::uint32_t(std::uint8_t(bytes[at + 3]));
+}
+
+void write32(std::string& bytes, std::size_t at, std::uint32_t value) {
+    for (int i = 0; i < 4; ++i) {
+        bytes[at + i] = char((value >> (24 - 8 * i)) & 0xFF);
+    }
+}
+
+} // namespace
+
+std::string makeCollection(const std::vector<std::filesystem::path>& fonts) {
+    const std::size_t headerSize = 12 + 4 * fonts.size();
+    std::string collection(headerSize, '\0');
+    collection.replace(0, 4, "ttcf");
+    write32(collection, 4, 0x00010000);
+    write32(collection, 8, static_cast<std::uint32_t>(fonts.size()));
+    for (std::size_t i = 0; i < fonts.size(); ++i) {
+        std::string font = readFile(fonts[i]);
+        const std::size_t base = collection.size();
+        const std::uint16_t tables =
+            std::uint16_t((std::uint8_t(font[4]) << 8) | std::uint8_t(font[5]));
+        for (std::size_t table = 0; table < tables; ++table) {
+            const std::size_t record = 12 + 16 * table;
+            write32(font, record + 8, read32(font, record + 8) + std::uint32_t(base));
+        }
+        write32(collection, 12 + 4 * i, static_cast<std::uint32_t>(base));
+        collection += font;
+        collection.append((4 - collection.size() % 4) % 4, '\0');
+    }
+    return collection;
+}
+
+} // namespace VellumineTest

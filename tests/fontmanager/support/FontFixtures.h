@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace VellumineTest {
+
+// Fonts from the Debian packages the project depends on (fonts-urw-base35,
+// fonts-dejavu-core). Many URW faces exist both as Type 1 and as OpenType CFF.
+inline const std::filesystem::path urwType1Folder = "/usr/share/fonts/type1/urw-base35";
+inline const std::filesystem::path urwOpenTypeFolder = "/usr/share/fonts/opentype/urw-base35";
+inline const std::filesystem::path dejaVuFolder = "/usr/share/fonts/truetype/dejavu";
+inline const std::filesystem::path nimbusRomanType1 = urwType1Folder / "NimbusRoman-Regular.t1";
+inline const std::filesystem::path nimbusRomanOpenType =
+    urwOpenTypeFolder / "NimbusRoman-Regular.otf";
+inline const std::filesystem::path dejaVuSans = dejaVuFolder / "DejaVuSans.ttf";
+inline const std::filesystem::path dejaVuSerif = dejaVuFolder / "DejaVuSerif.ttf";
+
+// A fresh folder below the system's temporary folder, removed with everything in it.
+class ScratchFolder {
+public:
+    ScratchFolder();
+    ~ScratchFolder();
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    const std::filesystem::path& path() const { return root; }
+    std::filesystem::path write(const std::string& name, const std::string& bytes) const;
+
+private:
+    std::filesystem::path root;
+};
+
+std::string readFile(const std::filesystem::path& file);
+
+// A TrueType collection made of whole sfnt files, with the table offsets moved to where
+// the tables land in the collection.
+std::string makeCollection(const std::vector<std::filesystem::path>& fonts);
+
+} // namespace VellumineTest
