@@ -1,0 +1,159 @@
+// vellumine's replies as the plug-in receives them: the plug-in's own requests, transport
+// (line joining, "&" escaping) and reply parsers, with vellumine's dispatcher at the other
+// end of an in-memory channel instead of the bus.
+#include "FontFixtures.h"
+
+#include "fontmanager/FaceReader.h"
+#include "fontmanager/LibraryImporter.h"
+#include "fontmanager/RequestDispatcher.h"
+#include "link/NotifiyHandlerFactory.h"
+#include "link/VLMFontActivateEvent.h"
+#include "link/VLMFontBuyEvent.h"
+#include "link/VLMFontInfoEvent.h"
+#include "link/VLMFontRequestEvent.h"
+#include "support/FakePlatform.h"
+
+#include <gtest/gtest.h>
+
+namespace Vellumine {
+namespace {
+
+using namespace VellumineTest;
+
+// Hands every request straight to a dispatcher.
+class DispatcherChannel : public Platform::AppEvents {
+public:
+    explicit DispatcherChannel(RequestDispatcher& dispatcher) : dispatcher(&dispatcher) {}
+    void use(RequestDispatcher& other) { dispatcher = &other; }
+    int send(const std::string& signature, const Platform::AppEvent& event,
+             std::string& reply) override {
+        if (signature != "VLMQ" || event.eventClass != "VLMQ") {
+            return Platform::Status::notRunning;
+        }
+        reply = dispatcher->answer(event.text);
+        return Platform::Status::ok;
+    }
+    int installHandler(const std::string&, const std::string&, Platform::AppEventHandlerProc,
+                       void*) override {
+        return Platform::Status::ok;
+    }
+    int removeHandler(const std::string&, const std::string&,
+                      Platform::AppEventHandlerProc) override {
+        return Platform::Status::ok;
+    }
+
+private:
+    RequestDispatcher* dispatcher;
+};
+
+Tamrik::SmartPointer<VLMFontInfo> record(const std::string& syncID, const std::string& psName,
+                                         int type = 4) {
+    Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
+    font->font.syncID = syncID;
+    font->font.psName = psName;
+    font->font.type = type;
+    return font;
+}
+
+class PluginAcceptance : public testing::Test {
+protected:
+    void SetUp() override {
+        FaceReader reader;
+        LibraryImporter(catalog, reader).add({nimbusRomanType1, nimbusRomanOpenType, dejaVuSans});
+        Platform::Services services = Platform::services();
+        services.appEvents = &channel;
+        Platform::install(services);
+        VLM::NotifiyHandlerFactory::getNotifyHandler(true);
+    }
+
+    VLMTest::FakePlatform platform;
+    ScratchFolder scratch;
+    Catalog catalog{scratch.path() / "library.db"};
+    Activation activation{catalog, scratch.path() / "fonts" / "vellumine"};
+    LibraryChanges changes{catalog, [](const std::string&) { return 0; }};
+    RequestDispatcher dispatcher{catalog, activation, changes};
+    DispatcherChannel channel{dispatcher};
+};
+
+TEST_F(PluginAcceptance, FontRequestRepliesMergeIntoTheRecords) {
+    VLM::VLMFontRequestEvent request;
+    request.fonts = {record("1", "NimbusRoman-Regular", 0), record("2", "DejaVuSans", 2),
+                     record("3", "Missing-Font")};
+    request.build();
+    ASSERT_NE(request.send(), nullptr) << request.getResult();
+    EXPECT_FALSE(request.showWindow);
+
+    const Protocol::Font& type1 = request.fonts[0]->font;
+    EXPECT_EQ(type1.count, 2u);
+    EXPECT_EQ(type1.typeMatchingCount, 1u);
+    EXPECT_EQ(type1.familyName, "Nimbus Roman");
+    EXPECT_TRUE(request.fonts[0]->hasTypeMatching);
+    const auto type1Faces = catalog.facesByPostScriptName("NimbusRoman-Regular");
+    EXPECT_EQ(type1.typeMatchingContainerID, std::to_string(type1Faces.at(0).id));
+    ASSERT_EQ(type1.fontInfo.size(), 2u);
+    EXPECT_EQ(type1.fontInfo[1].first, std::to_string(type1Faces.at(1).id));
+    EXPECT_NE(type1.fontInfo[1].second.find("OpenType PostScript"), std::string::npos);
+
+    const Protocol::Font& otherType = request.fonts[1]->font;
+    EXPECT_EQ(otherType.count, 1u);
+    EXPECT_EQ(otherType.typeMatchingCount, 0u);
+    EXPECT_EQ(otherType.type, 2);
+    EXPECT_FALSE(request.fonts[1]->hasTypeMatching);
+
+    EXPECT_EQ(request.fonts[2]->font.count, 0u);
+    EXPECT_EQ(request.fonts[2]->font.type, 4);
+}
+
+TEST_F(PluginAcceptance, HostileValuesComeBackAsTheyWereSent) {
+    const std::vector<std::string> syncIDs = {
+        "a&b",           "a<b",     "x</cmd>",
+        "]]>",           "&amp;",   "&lt;",
+        "<![CDATA[x]]>", "a&<b>&c", "<!DOCTYPE x [<!ENTITY e \"boom\">]>&e;"};
+    VLM::VLMFontRequestEvent request;
+    for (const auto& syncID : syncIDs) {
+        request.fonts.push_back(record(syncID, "NimbusRoman-Regular"));
+    }
+    request.build();
+    ASSERT_NE(request.send(), nullptr) << request.getResult();
+    for (const auto& font : request.fonts) {
+        EXPECT_EQ(font->font.count, 2u) << "not merged: " << font->font.syncID;
+    }
+    EXPECT_TRUE(request.showWindow); // two faces of any type, none active
+}
+
+TEST_F(PluginAcceptance, ActivationShowAndBuyRepliesPassThePluginsChecks) {
+    const auto faces = catalog.facesByPostScriptName("NimbusRoman-Regular");
+    VLM::VLMFontActivateEvent activate;
+    activate.fonts = {record("1", "NimbusRoman-Regular")};
+    activate.fonts[0]->selectedContainerID = std::to_string(faces.at(1).id);
+    activate.build();
+    activate.send(); // the plug-in never reports a result for activations
+    EXPECT_EQ(activate.getProtocolVersion(), "2.0");
+    EXPECT_TRUE(catalog.face(faces.at(1).id)->active);
+
+    VLM::VLMFontInfoEvent show;
+    show.fonts = {record("1", "DejaVuSans")};
+    show.build();
+    show.send();
+    EXPECT_EQ(show.fonts[0]->font.count, 1u);
+    EXPECT_EQ(show.fonts[0]->font.type, 1);
+
+    VLM::VLMFontBuyEvent buy;
+    buy.fonts = {record("1", "Missing-Font")};
+    buy.build();
+    EXPECT_NE(buy.send(), nullptr);
+    EXPECT_EQ(catalog.windowlessRequests("buy", 5).size(), 1u);
+}
+
+TEST_F(PluginAcceptance, AnOlderAnnouncedVersionIsRejectedByThePlugin) {
+    RequestDispatcher older(catalog, activation, changes, {"1.5", {}});
+    channel.use(older);
+    VLM::VLMFontRequestEvent request;
+    request.fonts = {record("1", "NimbusRoman-Regular")};
+    request.build();
+    EXPECT_EQ(request.send(), nullptr);
+    EXPECT_EQ(request.fonts[0]->font.count, 0u);
+}
+
+} // namespace
+} // namespace Vellumine
