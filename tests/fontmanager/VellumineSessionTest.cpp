@@ -1,0 +1,226 @@
+// The whole conversation on a private session bus: the plug-in's link finds vellumine's
+// desktop entry, launches it, asks about and activates fonts; fontconfig on a private
+// configuration sees the result; vellumine tells the host with VLM4 events.
+#include "FontFixtures.h"
+#include "PrivateSession.h"
+
+#include "fontmanager/Catalog.h"
+#include "fontmanager/FaceReader.h"
+#include "fontmanager/LauncherEntry.h"
+#include "fontmanager/LibraryImporter.h"
+#include "fontmanager/LibraryPaths.h"
+#include "link/NotifiyHandlerFactory.h"
+#include "link/VLMController.h"
+#include "link/VLMFontActivateEvent.h"
+#include "link/VLMFontRequestEvent.h"
+#include "platform/Status.h"
+#include "platform/linux/DBusAppEvents.h"
+#include "platform/linux/DefaultServices.h"
+
+#include <fontconfig/fontconfig.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sys/wait.h>
+
+namespace Vellumine {
+namespace {
+
+using namespace VellumineTest;
+
+Tamrik::SmartPointer<VLMFontInfo> record(const std::string& syncID, const std::string& psName,
+                                         int type = 4) {
+    Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
+    font->font.syncID = syncID;
+    font->font.psName = psName;
+    font->font.type = type;
+    return font;
+}
+
+int recordEvent(const Platform::AppEvent& event, std::string&, void* refcon) {
+    static_cast<std::vector<std::string>*>(refcon)->push_back(event.eventClass + "/" +
+                                                              event.eventID);
+    return Platform::Status::ok;
+}
+
+class VellumineSession : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(session.ok()) << session.error();
+        installLauncher(session.dataHome(), VELLUMINE_EXECUTABLE);
+        paths = LibraryPaths::fromEnvironment();
+        {
+            Catalog catalog(paths.catalogFile());
+            FaceReader reader;
+            LibraryImporter(catalog, reader)
+                .add({nimbusRomanType1, nimbusRomanOpenType, dejaVuSans});
+        }
+        int status = 0;
+        host = Platform::Linux::DefaultServices::install("org.galley.Galley", status);
+        ASSERT_EQ(status, Platform::Status::ok);
+        host->bus()->installHandler("VLM4", "****", recordEvent, &hostEvents);
+        VLM::NotifiyHandlerFactory::getNotifyHandler(true);
+    }
+
+    void TearDown() override { host.reset(); }
+
+    bool vellumineRuns() {
+        Platform::RunningApplication process;
+        bool found = false;
+        VLM::VLMController::FindVellumineProcess(process, found);
+        if (found) {
+            session.killLater(process.processID);
+        }
+        return found;
+    }
+
+    void launch() {
+        ASSERT_EQ(VLM::VLMController::LaunchVellumine(), 0);
+        ASSERT_TRUE(VlmTest::waitFor([&] { return vellumineRuns(); }));
+    }
+
+    bool waitForHostEvent(const std::string& event) {
+        return VlmTest::waitFor([&] {
+            host->bus()->processPending();
+            return std::find(hostEvents.begin(), hostEvents.end(), event) != hostEvents.end();
+        });
+    }
+
+    // The faces fontconfig lists with this PostScript name, on a configuration that scans
+    // only the session's font folder.
+    int fontconfigFaces(const std::string& postScriptName) {
+        const std::string configFile = session.root() + "/fonts.conf";
+        std::ofstream(configFile) << "<?xml version=\"1.0\"?>\n<fontconfig>\n<dir>"
+                                  << session.dataHome() << "/fonts</dir>\n<cachedir>"
+                                  << session.root()
+                                  << "/fontconfig-cache</cachedir>\n</fontconfig>\n";
+        FcConfig* config = FcConfigCreate();
+        FcConfigParseAndLoad(config, reinterpret_cast<const FcChar8*>(configFile.c_str()), FcTrue);
+        FcConfigBuildFonts(config);
+        FcPattern* pattern = FcPatternCreate();
+        FcPatternAddString(pattern, FC_POSTSCRIPT_NAME,
+                           reinterpret_cast<const FcChar8*>(postScriptName.c_str()));
+        FcObjectSet* objects = FcObjectSetBuild(FC_FILE, nullptr);
+        FcFontSet* fonts = FcFontList(config, pattern, objects);
+        const int count = fonts != nullptr ? fonts->nfont : -1;
+        FcFontSetDestroy(fonts);
+        FcObjectSetDestroy(objects);
+        FcPatternDestroy(pattern);
+        FcConfigDestroy(config);
+        return count;
+    }
+
+    int runToEnd(const std::vector<std::string>& argv) {
+        const pid_t pid = session.spawn(argv);
+        int status = -1;
+        const bool ended = VlmTest::waitFor([&] { return waitpid(pid, &status, WNOHANG) == pid; });
+        return ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string sendRaw(const std::string& text) {
+        std::string reply;
+        const int status = host->bus()->send("VLMQ", {"VLMQ", "****", text}, reply);
+        return status == Platform::Status::ok ? reply : "status " + std::to_string(status);
+    }
+
+    VlmTest::PrivateSession session;
+    LibraryPaths paths;
+    std::unique_ptr<Platform::Linux::DefaultServices> host;
+    std::vector<std::string> hostEvents;
+};
+
+TEST_F(VellumineSession, LaunchedThroughItsDesktopEntryItAnswersFontRequests) {
+    ASSERT_FALSE(vellumineRuns());
+    launch();
+
+    VLM::VLMFontRequestEvent request;
+    request.fonts = {record("present", "NimbusRoman-Regular", 0),
+                     record("absent", "Missing-Bold", 0), record("other type", "DejaVuSans", 2)};
+    request.build();
+    ASSERT_NE(request.send(), nullptr) << request.getResult();
+    EXPECT_EQ(request.getProtocolVersion(), "2.0");
+    EXPECT_EQ(request.fonts[0]->font.count, 2u);
+    EXPECT_EQ(request.fonts[0]->font.typeMatchingCount, 1u);
+    EXPECT_TRUE(request.fonts[0]->hasTypeMatching);
+    EXPECT_EQ(request.fonts[1]->font.count, 0u);
+    EXPECT_FALSE(request.fonts[1]->hasTypeMatching);
+    EXPECT_EQ(request.fonts[2]->font.count, 1u);
+    EXPECT_EQ(request.fonts[2]->font.typeMatchingCount, 0u);
+}
+
+TEST_F(VellumineSession, ActivationMakesFontconfigListTheFaceAndTellsTheHost) {
+    launch();
+    ASSERT_EQ(fontconfigFaces("NimbusRoman-Regular"), 0);
+
+    VLM::VLMFontRequestEvent request;
+    request.fonts = {record("1", "NimbusRoman-Regular", 2)};
+    request.build();
+    ASSERT_NE(request.send(), nullptr);
+    VLM::VLMFontActivateEvent activate;
+    activate.fonts = request.fonts; // activates typeMatchingContainerID
+    activate.build();
+    activate.send();
+
+    EXPECT_EQ(fontconfigFaces("NimbusRoman-Regular"), 1);
+    EXPECT_TRUE(waitForHostEvent("VLM4/FSBC"));
+    request.send();
+    EXPECT_TRUE(request.fonts[0]->font.isTypeMatchingActive);
+}
+
+TEST_F(VellumineSession, CommandLineChangesReachApplicationsThatAsked) {
+    launch();
+    VLM::VLMFontRequestEvent request; // names the host as a target
+    request.fonts = {record("1", "DejaVuSans")};
+    request.build();
+    ASSERT_NE(request.send(), nullptr);
+
+    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "activate", "DejaVuSans"}), 0);
+    EXPECT_TRUE(waitForHostEvent("VLM4/FSBC"));
+    EXPECT_EQ(fontconfigFaces("DejaVuSans"), 1);
+    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "add", urwOpenTypeFolder.string()}), 0);
+    EXPECT_TRUE(waitForHostEvent("VLM4/FFSC"));
+}
+
+TEST_F(VellumineSession, ASecondServerRefusesWhileOneRuns) {
+    launch();
+    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "serve"}), 3);
+    EXPECT_NE(sendRaw("<cmd>buyRequest</cmd>\n</cmd>\n").find("buyReply"), std::string::npos);
+}
+
+TEST_F(VellumineSession, SurvivesHostileRequests) {
+    launch();
+    // (Text that is not UTF-8 never arrives: the bus refuses to carry it.)
+    const std::vector<std::string> hostile = {
+        "",
+        "<?xml version=\"1.0\"?><!DOCTYPE l [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b "
+        "\"&a;&a;&a;&a;&a;&a;&a;&a;\">]><cmd>&b;</cmd>",
+        "<cmd>deleteEverything</cmd>\n</cmd>\n",
+        "<cmd>fontRequest</cmd>\n<font>\n<syncID>1</syncID>\n<syncID>2</syncID>\n</font>\n</cmd>\n",
+        "<cmd>activationRequest</cmd>\n<font>\n<containerID>/etc/passwd</containerID>\n</font>\n"
+        "</cmd>\n",
+        std::string(20 * 1024 * 1024, 'x')};
+    for (const auto& text : hostile) {
+        const std::string reply = sendRaw(text);
+        EXPECT_EQ(reply.rfind("<cmd>", 0), 0u) << reply.substr(0, 100);
+    }
+    std::string unhandled;
+    EXPECT_EQ(host->bus()->send("VLMQ", {"XXXX", "****", "hello"}, unhandled),
+              Platform::Status::notHandled);
+    EXPECT_NE(sendRaw("<cmd>fontRequest</cmd>\n<font>\n<syncID>1</syncID>\n"
+                      "<psName>DejaVuSans</psName>\n</font>\n</cmd>\n")
+                  .find("<count>1</count>"),
+              std::string::npos);
+}
+
+TEST_F(VellumineSession, AnnouncesTheProtocolVersionItIsToldTo) {
+    session.spawn({VELLUMINE_EXECUTABLE, "serve", "--protocol-version", "1.5"});
+    ASSERT_TRUE(VlmTest::waitFor([&] { return vellumineRuns(); }));
+    VLM::VLMFontRequestEvent request;
+    request.fonts = {record("1", "DejaVuSans")};
+    request.build();
+    EXPECT_EQ(request.send(), nullptr); // the plug-in needs 2.0 or later
+    EXPECT_EQ(request.getProtocolVersion(), "1.5");
+}
+
+} // namespace
+} // namespace Vellumine
