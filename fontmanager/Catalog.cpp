@@ -60,7 +60,7 @@ const char* const faceColumns =
     "SELECT f.id, f.path, f.face_index, f.ps_name, f.family, f.style, f.type, f.metrics_path, "
     "l.face_id IS NOT NULL FROM faces f LEFT JOIN links l ON l.face_id = f.id ";
 
-std::string sql(const char* tail) {
+std::string faceQuery(const char* tail) {
     return std::string(faceColumns) + tail;
 }
 
@@ -153,7 +153,8 @@ std::vector<FaceRecord> Catalog::faces(SqliteStatement& statement) {
 }
 
 std::optional<FaceRecord> Catalog::face(std::int64_t id) {
-    auto found = faces(db.prepare(sql("WHERE f.id = ?")).bind(1, id));
+    static const std::string query = faceQuery("WHERE f.id = ?");
+    auto found = faces(db.prepare(query).bind(1, id));
     if (found.empty()) {
         return std::nullopt;
     }
@@ -161,20 +162,23 @@ std::optional<FaceRecord> Catalog::face(std::int64_t id) {
 }
 
 std::vector<FaceRecord> Catalog::facesByPostScriptName(const std::string& name) {
-    return faces(db.prepare(sql("WHERE f.ps_name = ? ORDER BY f.id")).bind(1, name));
+    static const std::string query = faceQuery("WHERE f.ps_name = ? ORDER BY f.id");
+    return faces(db.prepare(query).bind(1, name));
 }
 
 std::vector<FaceRecord> Catalog::facesByFamily(const std::string& family) {
-    return faces(
-        db.prepare(sql("WHERE f.family = ? COLLATE NOCASE ORDER BY f.id")).bind(1, family));
+    static const std::string query = faceQuery("WHERE f.family = ? COLLATE NOCASE ORDER BY f.id");
+    return faces(db.prepare(query).bind(1, family));
 }
 
 std::vector<FaceRecord> Catalog::facesOfFile(const std::filesystem::path& file) {
-    return faces(db.prepare(sql("WHERE f.path = ? ORDER BY f.face_index")).bind(1, file.string()));
+    static const std::string query = faceQuery("WHERE f.path = ? ORDER BY f.face_index");
+    return faces(db.prepare(query).bind(1, file.string()));
 }
 
 std::vector<FaceRecord> Catalog::allFaces() {
-    return faces(db.prepare(sql("ORDER BY f.id")));
+    static const std::string query = faceQuery("ORDER BY f.id");
+    return faces(db.prepare(query));
 }
 
 std::int64_t Catalog::faceCount() {

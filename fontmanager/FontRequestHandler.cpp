@@ -56,11 +56,13 @@ std::string answerFontRequest(Catalog& catalog, const Request& request,
                               const std::string& protocolVersion) {
     ReplyWriter reply("fontReply", protocolVersion);
     bool showWindow = false;
+    SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
     for (const auto& font : request.fonts) {
         const FontMatch match = matchFont(catalog, font);
         showWindow = showWindow || asksForChoice(match);
         writeFont(reply, font, match);
     }
+    snapshot.commit();
     reply.element("showWindow", std::string(showWindow ? "1" : "0"));
     return reply.finish();
 }

@@ -138,8 +138,8 @@ int SqliteDatabase::changes() const {
     return sqlite3_changes(handle);
 }
 
-SqliteTransaction::SqliteTransaction(SqliteDatabase& database) : database(database) {
-    database.execute("BEGIN IMMEDIATE");
+SqliteTransaction::SqliteTransaction(SqliteDatabase& database, Mode mode) : database(database) {
+    database.execute(mode == Mode::write ? "BEGIN IMMEDIATE" : "BEGIN");
 }
 
 SqliteTransaction::~SqliteTransaction() {

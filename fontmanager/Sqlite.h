@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -59,14 +59,16 @@ public:
 
 private:
     sqlite3* handle = nullptr;
-    std::map<std::string, std::unique_ptr<SqliteStatement>> statements;
+    std::unordered_map<std::string, std::unique_ptr<SqliteStatement>> statements;
 };
 
 // BEGIN IMMEDIATE on construction, ROLLBACK on destruction unless committed: a multi-row
-// change is all or nothing, also when an exception leaves the scope.
+// change is all or nothing, also when an exception leaves the scope. A read transaction
+// (plain BEGIN) gives many queries one snapshot and one set of locks instead of one each.
 class SqliteTransaction {
 public:
-    explicit SqliteTransaction(SqliteDatabase& database);
+    enum class Mode { write, read };
+    explicit SqliteTransaction(SqliteDatabase& database, Mode mode = Mode::write);
     ~SqliteTransaction();
     SqliteTransaction(const SqliteTransaction&) = delete;
     SqliteTransaction& operator=(const SqliteTransaction&) = delete;
