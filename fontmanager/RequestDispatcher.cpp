@@ -40,7 +40,10 @@ std::string RequestDispatcher::answer(const std::string& requestText) {
     }
     Logger::log(logTag, "received " + summary(parsed.request));
     try {
-        return dispatch(parsed.request);
+        std::string reply = dispatch(parsed.request);
+        Logger::log(logTag, "answered " + parsed.request.command + " with " +
+                                std::to_string(reply.size()) + " bytes");
+        return reply;
     } catch (const std::exception& error) {
         Logger::log(logTag, "failed " + parsed.request.command + ": " + error.what());
         return errorReply(error.what());
