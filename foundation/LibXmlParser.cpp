@@ -15,23 +15,29 @@ namespace {
 // host's terminal; the error itself is kept and raised as an exception.
 constexpr int readOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
 
-// libxml2 also reports some problems (encoding errors among them) through its generic error
-// function, which prints to the console whatever the parse options say. The guard routes
-// that channel to nowhere for the duration of one read and restores the caller's setting.
-void discardGenericError(void*, const char*, ...) {}
+// libxml2 also reports some problems (encoding errors among them) on the console through
+// its global error channels, whatever the parse options say. The guard routes them to
+// nowhere for the duration of one read and restores the caller's handlers; the error record
+// that the exception quotes is kept all the same.
+void discardStructuredError(void*, xmlErrorPtr) {}
 
-class GenericErrorSilencer {
+class ConsoleErrorSilencer {
 public:
-    GenericErrorSilencer() : previous(xmlGenericError), previousContext(xmlGenericErrorContext) {
-        xmlSetGenericErrorFunc(nullptr, discardGenericError);
+    ConsoleErrorSilencer() {
+        // Initialising the library resets the error channels, so it must not happen for
+        // the first time inside the guard.
+        xmlInitParser();
+        previous = xmlStructuredError;
+        previousContext = xmlStructuredErrorContext;
+        xmlSetStructuredErrorFunc(nullptr, discardStructuredError);
     }
-    ~GenericErrorSilencer() { xmlSetGenericErrorFunc(previousContext, previous); }
-    GenericErrorSilencer(const GenericErrorSilencer&) = delete;
-    GenericErrorSilencer& operator=(const GenericErrorSilencer&) = delete;
+    ~ConsoleErrorSilencer() { xmlSetStructuredErrorFunc(previousContext, previous); }
+    ConsoleErrorSilencer(const ConsoleErrorSilencer&) = delete;
+    ConsoleErrorSilencer& operator=(const ConsoleErrorSilencer&) = delete;
 
 private:
-    xmlGenericErrorFunc previous;
-    void* previousContext;
+    xmlStructuredErrorFunc previous = nullptr;
+    void* previousContext = nullptr;
 };
 
 std::string trimmedErrorText(const char* message) {
@@ -79,7 +85,7 @@ void LibXmlParser::raiseParseFailure(unsigned long lineWithRecord,
 void LibXmlParser::parse(const std::string& path) {
     cleanup();
     xmlResetLastError();
-    const GenericErrorSilencer silencer;
+    const ConsoleErrorSilencer silencer;
     document = xmlReadFile(path.c_str(), nullptr, readOptions);
     if (document == nullptr) {
         raiseParseFailure(353, 355);
@@ -94,6 +100,7 @@ void LibXmlParser::parseString(const std::string& text) {
         throw Exception("LibXml: Document not parsed successfully: document too large",
                         "libxmlparser", 374, "");
     }
+    const ConsoleErrorSilencer silencer;
     document =
         xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, readOptions);
     if (document == nullptr) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -68,6 +69,23 @@ TEST(XmlParserTest, FailedParsesRaiseTheDocumentedTexts) {
         EXPECT_EQ(error.getFile(), "libxmlparser");
     }
     EXPECT_EQ(parser->getRootNode(), nullptr); // a failed read leaves the parser empty
+}
+
+TEST(XmlParserTest, FailuresStayOffTheConsole) {
+    // libxml2 reports encoding trouble on standard error unless it is kept quiet.
+    const std::string path =
+        std::filesystem::temp_directory_path() / ("xmlstderr-" + std::to_string(getpid()));
+    const int savedError = dup(2);
+    FILE* capture = std::fopen(path.c_str(), "w");
+    dup2(fileno(capture), 2);
+    parseFailure(
+        std::string("<?xml version=\"1.0\" encoding=\"ISO-10646-UCS-4\"?><a/>\0\0\0\0", 56));
+    parseFailure(std::string("\0\0\0<\0\0\0a\0\0\0>\xff\xff\xff\xff", 16));
+    dup2(savedError, 2);
+    close(savedError);
+    std::fclose(capture);
+    EXPECT_EQ(readFile(path), "");
+    std::filesystem::remove(path);
 }
 
 TEST(XmlParserTest, ChildrenIncludeTextAndTagHelpersSkipIt) {
