@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/idml/FontSpec.h"
+#include "host/idml/FontReference.h"
 #include "sdk/ICommand.h"
 
 namespace Galley {
@@ -10,7 +10,7 @@ class StoryTextModel;
 // Sets the family or the face of a range of a story's text.
 class ApplyFontCommand : public ICommand {
 public:
-    ApplyFontCommand(StoryTextModel& model, TextIndex start, int32 length, FontSpec font)
+    ApplyFontCommand(StoryTextModel& model, TextIndex start, int32 length, FontReference font)
         : model_(model), start_(start), length_(length), font_(std::move(font)) {}
 
     PMString GetName() const override;
@@ -20,7 +20,7 @@ private:
     StoryTextModel& model_;
     TextIndex start_;
     int32 length_;
-    FontSpec font_;
+    FontReference font_;
     bool done_ = false;
 };
 

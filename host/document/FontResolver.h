@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/idml/FontSpec.h"
+#include "host/idml/FontReference.h"
 #include "sdk/IPMFont.h"
 
 #include <string>

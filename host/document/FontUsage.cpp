@@ -9,14 +9,14 @@ namespace Galley {
 
 namespace {
 
-FontSpec styleFont(const StyleSheet& styles, StyleKind kind, const std::string& self) {
+FontReference styleFont(const StyleSheet& styles, StyleKind kind, const std::string& self) {
     const TextStyle* style = styles.find(kind, self);
-    return style ? style->resolved : FontSpec{};
+    return style ? style->resolved : FontReference{};
 }
 
-FontKey complete(FontSpec spec) {
-    spec.inheritFrom({std::string(kDefaultFontFamily), std::string(kDefaultFontStyle)});
-    return {*spec.family, *spec.style};
+FontKey complete(FontReference font) {
+    font.inheritFrom({std::string(kDefaultFontFamily), std::string(kDefaultFontStyle)});
+    return {*font.family, *font.style};
 }
 
 void addOnce(std::vector<FontKey>& keys, FontKey key) {
@@ -27,11 +27,11 @@ void addOnce(std::vector<FontKey>& keys, FontKey key) {
 } // namespace
 
 FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles) {
-    FontSpec spec = run.characterLocal;
-    spec.inheritFrom(styleFont(styles, StyleKind::Character, run.characterStyle));
-    spec.inheritFrom(run.paragraphLocal);
-    spec.inheritFrom(styleFont(styles, StyleKind::Paragraph, run.paragraphStyle));
-    return complete(std::move(spec));
+    FontReference font = run.characterLocal;
+    font.inheritFrom(styleFont(styles, StyleKind::Character, run.characterStyle));
+    font.inheritFrom(run.paragraphLocal);
+    font.inheritFrom(styleFont(styles, StyleKind::Paragraph, run.paragraphStyle));
+    return complete(std::move(font));
 }
 
 std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>& stories,

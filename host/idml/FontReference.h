@@ -7,12 +7,12 @@ namespace Galley {
 
 // The font attributes one level of formatting sets: a family (AppliedFont), a face
 // (FontStyle), either, both or neither.
-struct FontSpec {
+struct FontReference {
     std::optional<std::string> family;
     std::optional<std::string> style;
 
     // Takes from `weaker` what this level leaves open.
-    void inheritFrom(const FontSpec& weaker) {
+    void inheritFrom(const FontReference& weaker) {
         if (!family)
             family = weaker.family;
         if (!style)

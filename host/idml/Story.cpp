@@ -43,7 +43,7 @@ int characterCount(const xmlNode* child) {
     return 0;
 }
 
-FontSpec localFont(const xmlNode* node) {
+FontReference localFont(const xmlNode* node) {
     return {property(node, "AppliedFont"), property(node, "FontStyle")};
 }
 
@@ -171,7 +171,7 @@ void Story::splitAt(int position) {
     }
 }
 
-bool Story::applyLocalFont(int start, int length, const FontSpec& font) {
+bool Story::applyLocalFont(int start, int length, const FontReference& font) {
     if (start < 0 || length <= 0 || start + length > length_)
         return false;
     splitAt(start);

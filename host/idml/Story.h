@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/idml/FontSpec.h"
+#include "host/idml/FontReference.h"
 #include "host/idml/XmlPart.h"
 
 #include <string>
@@ -16,10 +16,10 @@ struct StoryRun {
     xmlNode* range = nullptr; // the CharacterStyleRange element
     int start = 0;            // in characters from the story's start
     int length = 0;
-    std::string paragraphStyle; // self of the applied paragraph style
-    std::string characterStyle; // self of the applied character style
-    FontSpec paragraphLocal;    // set on the ParagraphStyleRange
-    FontSpec characterLocal;    // set on the CharacterStyleRange
+    std::string paragraphStyle;   // self of the applied paragraph style
+    std::string characterStyle;   // self of the applied character style
+    FontReference paragraphLocal; // set on the ParagraphStyleRange
+    FontReference characterLocal; // set on the CharacterStyleRange
 };
 
 // One Stories/*.xml part. Characters are counted as code points of <Content>, plus one for
@@ -41,7 +41,7 @@ public:
 
     // Sets a local family and/or face on [start, start + length), splitting ranges at the
     // ends. Returns false when the range lies outside the text.
-    bool applyLocalFont(int start, int length, const FontSpec& font);
+    bool applyLocalFont(int start, int length, const FontReference& font);
 
 private:
     void rebuildRuns();

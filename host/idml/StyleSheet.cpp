@@ -56,8 +56,8 @@ void StyleSheet::resolveAll(const std::string& file, const std::string& part) {
 }
 
 // Walks the BasedOn chain iteratively, so that a chain of any length needs no stack depth.
-const FontSpec& StyleSheet::resolve(std::size_t start, std::vector<int>& state,
-                                    const std::string& file, const std::string& part) {
+const FontReference& StyleSheet::resolve(std::size_t start, std::vector<int>& state,
+                                         const std::string& file, const std::string& part) {
     std::vector<std::size_t> chain;
     std::size_t current = start;
     while (state[current] == kUnvisited) {

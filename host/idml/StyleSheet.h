@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/idml/FontSpec.h"
+#include "host/idml/FontReference.h"
 #include "host/idml/XmlPart.h"
 
 #include <map>
@@ -15,9 +15,9 @@ struct TextStyle {
     StyleKind kind = StyleKind::Paragraph;
     std::string self; // "ParagraphStyle/Body"
     std::string name;
-    std::string basedOn; // self of the parent; empty for none
-    FontSpec own;        // what the style itself sets
-    FontSpec resolved;   // own, then the BasedOn chain's
+    std::string basedOn;    // self of the parent; empty for none
+    FontReference own;      // what the style itself sets
+    FontReference resolved; // own, then the BasedOn chain's
 };
 
 // Resources/Styles.xml: paragraph and character styles with their BasedOn inheritance.
@@ -36,8 +36,8 @@ public:
 
 private:
     void resolveAll(const std::string& file, const std::string& part);
-    const FontSpec& resolve(std::size_t index, std::vector<int>& state, const std::string& file,
-                            const std::string& part);
+    const FontReference& resolve(std::size_t index, std::vector<int>& state,
+                                 const std::string& file, const std::string& part);
 
     std::vector<TextStyle> styles_;
     std::map<std::pair<StyleKind, std::string>, std::size_t> index_;

@@ -21,7 +21,7 @@ TextAttrUtils::BuildApplyTextAttrCmd(ITextModel* model, TextIndex start, int32 l
     auto* story = dynamic_cast<StoryTextModel*>(model);
     if (!story || start < 0 || length <= 0 || start + length > story->TotalLength())
         return nullptr;
-    FontSpec font;
+    FontReference font;
     if (auto* family = dynamic_cast<const ITextAttrUID*>(&attribute)) {
         const DocumentFontFamily* known = story->document().families().family(family->GetUIDData());
         if (!known)
