@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -9,21 +10,10 @@
 
 using Tamrik::SafeFIFOBuffer;
 
-TEST(SafeFIFOBufferTest, TryPopNeverBlocksAndKeepsOrder) {
-    SafeFIFOBuffer<int> buffer(4);
-    int value = -1;
-    EXPECT_FALSE(buffer.tryPop(value));
-    buffer.push(1);
-    buffer.push(2);
-    EXPECT_TRUE(buffer.tryPop(value));
-    EXPECT_EQ(value, 1);
-    EXPECT_TRUE(buffer.tryPop(value));
-    EXPECT_EQ(value, 2);
-    EXPECT_FALSE(buffer.tryPop(value));
-}
-
-TEST(SafeFIFOBufferTest, BoundedBufferBlocksPushWhileFull) {
+TEST(SafeFIFOBufferTest, BoundedBufferBlocksPushWhileFullAndTryPopNeverBlocks) {
     SafeFIFOBuffer<int> buffer(1);
+    int value = 0;
+    EXPECT_FALSE(buffer.tryPop(value));
     buffer.push(1);
     std::atomic<bool> pushed{false};
     std::thread producer([&] {
@@ -32,26 +22,24 @@ TEST(SafeFIFOBufferTest, BoundedBufferBlocksPushWhileFull) {
     });
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_FALSE(pushed);
-    int value = 0;
     EXPECT_TRUE(buffer.tryPop(value));
+    EXPECT_EQ(value, 1);
     producer.join();
-    EXPECT_TRUE(pushed);
     EXPECT_TRUE(buffer.tryPop(value));
     EXPECT_EQ(value, 2);
+    EXPECT_FALSE(buffer.tryPop(value));
 }
 
-TEST(SafeFIFOBufferTest, UnboundedBufferNeverBlocks) {
+TEST(SafeFIFOBufferTest, UnboundedBufferNeverBlocksAndKeepsOrder) {
     SafeFIFOBuffer<int> buffer(Tamrik::Semaphore::getMaxValue());
     EXPECT_FALSE(buffer.isBounded());
-    // Far beyond the semaphore's own limit for an initial value.
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 100000; ++i) { // far beyond a semaphore's initial-value limit
         buffer.push(i);
     }
     int value = -1;
     int popped = 0;
     while (buffer.tryPop(value)) {
-        EXPECT_EQ(value, popped);
-        ++popped;
+        ASSERT_EQ(value, popped++);
     }
     EXPECT_EQ(popped, 100000);
 }
@@ -69,8 +57,7 @@ TEST(SafeFIFOBufferTest, ManyProducersAndOneConsumerLoseNothing) {
         });
     }
     std::vector<int> seen(producers * perProducer, 0);
-    int received = 0;
-    while (received < producers * perProducer) {
+    for (int received = 0; received < producers * perProducer;) {
         int value;
         if (buffer.tryPop(value)) {
             ++seen[value];
@@ -82,7 +69,5 @@ TEST(SafeFIFOBufferTest, ManyProducersAndOneConsumerLoseNothing) {
     for (std::thread& thread : threads) {
         thread.join();
     }
-    for (int count : seen) {
-        ASSERT_EQ(count, 1);
-    }
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), 1), producers * perProducer);
 }

@@ -11,15 +11,27 @@ using Tamrik::Thread;
 
 namespace {
 
-class ReturningThread : public Thread {
+// Returns its value at once, or, when told to hold, only after release.
+class Worker : public Thread {
 public:
-    explicit ReturningThread(int value) : value(value) {}
-    ~ReturningThread() override { destroy(); }
-    std::atomic<bool> ran{false};
+    explicit Worker(int value, bool hold = false) : held(hold), value(value) {}
+    ~Worker() override { destroy(); }
+    std::atomic<bool> started{false};
+    std::atomic<bool> held;
+
+    void waitUntilStarted() const {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!started && std::chrono::steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
 
 protected:
     int run() override {
-        ran = true;
+        started = true;
+        while (held) {
+            Thread::sleep(1); // a cancellation point
+        }
         return value;
     }
 
@@ -27,70 +39,36 @@ private:
     int value;
 };
 
-// Runs until released; used to see a thread while it is still running.
-class WaitingThread : public Thread {
-public:
-    ~WaitingThread() override { destroy(); }
-    std::atomic<bool> release{false};
-    std::atomic<bool> started{false};
-
-protected:
-    int run() override {
-        started = true;
-        while (!release) {
-            Thread::sleep(1);
-        }
-        return 7;
-    }
-};
-
-void waitUntil(const std::atomic<bool>& flag) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!flag && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-}
-
 void ignoreSignal(int) {}
 
 } // namespace
 
-TEST(ThreadTest, StartRunsAndJoinReportsTheResult) {
-    ReturningThread thread(42);
-    ASSERT_TRUE(thread.start(false, -1));
-    EXPECT_TRUE(thread.isCreated());
-    EXPECT_TRUE(thread.join());
-    EXPECT_TRUE(thread.ran);
-    EXPECT_EQ(thread.getResult(), 42);
-    EXPECT_FALSE(thread.isCreated());
-    EXPECT_FALSE(thread.isRunning());
-    EXPECT_FALSE(thread.join()); // nothing left to join
-}
+TEST(ThreadTest, StartJoinAndRestartReportResults) {
+    Worker worker(42, true);
+    ASSERT_TRUE(worker.start(false, -1));
+    worker.waitUntilStarted();
+    EXPECT_FALSE(worker.start(false, -1)); // refused while running
+    worker.held = false;
+    EXPECT_TRUE(worker.join());
+    EXPECT_EQ(worker.getResult(), 42);
+    EXPECT_FALSE(worker.isCreated());
+    EXPECT_FALSE(worker.join()); // nothing left to join
 
-TEST(ThreadTest, StartRefusesWhileRunningAndRestartsWhenFinished) {
-    WaitingThread thread;
-    ASSERT_TRUE(thread.start(false, -1));
-    waitUntil(thread.started);
-    EXPECT_FALSE(thread.start(false, -1));
-    thread.release = true;
-    EXPECT_TRUE(thread.join());
-
-    ReturningThread again(1);
-    ASSERT_TRUE(again.start(false, -1));
-    while (again.isRunning()) {
+    ASSERT_TRUE(worker.start(false, -1));
+    while (worker.isRunning()) {
         Thread::sleep(1);
     }
-    EXPECT_TRUE(again.start(false, -1)); // the finished thread is reaped and started anew
-    EXPECT_TRUE(again.join());
+    EXPECT_TRUE(worker.start(false, -1)); // the finished thread is reaped and started anew
+    EXPECT_TRUE(worker.join());
 }
 
 TEST(ThreadTest, DestroyCancelsARunningThreadAndRefusesANeverStartedOne) {
-    WaitingThread never;
+    Worker never(1);
     EXPECT_FALSE(never.destroy());
 
-    WaitingThread running;
+    Worker running(7, true);
     ASSERT_TRUE(running.start(false, -1));
-    waitUntil(running.started);
+    running.waitUntilStarted();
     EXPECT_TRUE(running.destroy()); // cancelled inside its sleep
     EXPECT_FALSE(running.isCreated());
     EXPECT_FALSE(running.isRunning());
@@ -98,11 +76,10 @@ TEST(ThreadTest, DestroyCancelsARunningThreadAndRefusesANeverStartedOne) {
 }
 
 TEST(ThreadTest, DetachedThreadsCannotBeJoined) {
-    ReturningThread thread(3);
-    ASSERT_TRUE(thread.start(true, -1));
-    EXPECT_TRUE(thread.isDetached());
-    EXPECT_FALSE(thread.join());
-    waitUntil(thread.ran);
+    Worker worker(3);
+    ASSERT_TRUE(worker.start(true, -1));
+    EXPECT_FALSE(worker.join());
+    worker.waitUntilStarted();
 }
 
 TEST(ThreadTest, SleepLastsItsWholeTimeThroughSignals) {
