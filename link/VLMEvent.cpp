@@ -5,6 +5,8 @@
 #include "link/ProtocolConstants.h"
 #include "link/VLMController.h"
 
+#include <algorithm>
+
 namespace VLM {
 
 namespace {
@@ -54,6 +56,27 @@ Tamrik::IXmlNode* VLMEvent::parseResult() {
     }
     replyDocument = parser;
     return root;
+}
+
+void VLMFontBasedEvent::forEachAnsweredRecord(
+    const Tamrik::IXmlNode& reply, const std::string& key, std::string Protocol::Font::*field,
+    const std::function<void(const Tamrik::IXmlNode& font, VLMFontInfo& record)>& answer) {
+    for (const Tamrik::IXmlNode* node = reply.getFirstChild(); node != nullptr;
+         node = node->getNextNode()) {
+        if (node->getName() != "font") {
+            continue;
+        }
+        const Tamrik::IXmlNode* keyNode = node->getFirstChild(key);
+        if (keyNode == nullptr) {
+            continue;
+        }
+        const std::string content = keyNode->getContent();
+        auto record = std::find_if(fonts.begin(), fonts.end(),
+                                   [&](const auto& font) { return font->font.*field == content; });
+        if (record != fonts.end()) {
+            answer(*node, **record);
+        }
+    }
 }
 
 } // namespace VLM

@@ -5,6 +5,7 @@
 #include "foundation/SmartPointer.h"
 #include "link/FontInfo.h"
 
+#include <functional>
 #include <string>
 
 namespace VLM {
@@ -49,6 +50,13 @@ public:
     VLMFontList fonts;
     // Whether the font manager wants to show its own window; set by the font reply.
     bool showWindow = false;
+
+protected:
+    // Calls `answer` for each <font> of the reply whose `key` child's content equals `field`
+    // of a record, with the first such record; other <font>s are skipped.
+    void forEachAnsweredRecord(
+        const Tamrik::IXmlNode& reply, const std::string& key, std::string Protocol::Font::*field,
+        const std::function<void(const Tamrik::IXmlNode& font, VLMFontInfo& record)>& answer);
 };
 
 } // namespace VLM

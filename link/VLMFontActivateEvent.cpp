@@ -3,8 +3,6 @@
 #include "foundation/Logger.h"
 #include "link/RequestText.h"
 
-#include <algorithm>
-
 namespace VLM {
 
 namespace {
@@ -36,27 +34,15 @@ Tamrik::IXmlNode* VLMFontActivateEvent::parseResult() {
     if (root == nullptr) {
         return nullptr;
     }
-    for (const Tamrik::IXmlNode* node = root->getFirstChild(); node != nullptr;
-         node = node->getNextNode()) {
-        if (node->getName() != "font") {
-            continue;
-        }
-        const Tamrik::IXmlNode* container = node->getFirstChild("containerID");
-        if (container == nullptr) {
-            continue;
-        }
-        const std::string containerID = container->getContent();
-        const bool known = std::any_of(fonts.begin(), fonts.end(), [&](const auto& record) {
-            return record->font.containerID == containerID;
-        });
-        if (known) {
-            // The per-font outcome is walked for the log only; nothing of it is kept.
-            for (const Tamrik::IXmlNode* child = node->getFirstChild(); child != nullptr;
-                 child = child->getNextNode()) {
-                Logger::log(parseTag, child->getName() + ": " + child->getContent(), 0);
-            }
-        }
-    }
+    // The per-font outcome is walked for the log only; nothing of it is kept.
+    forEachAnsweredRecord(*root, "containerID", &Protocol::Font::containerID,
+                          [](const Tamrik::IXmlNode& font, VLMFontInfo&) {
+                              for (const Tamrik::IXmlNode* child = font.getFirstChild();
+                                   child != nullptr; child = child->getNextNode()) {
+                                  Logger::log(parseTag,
+                                              child->getName() + ": " + child->getContent(), 0);
+                              }
+                          });
     Logger::log(parseTag, "end parsing message", 0);
     return nullptr;
 }

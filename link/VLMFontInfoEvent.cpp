@@ -4,8 +4,6 @@
 #include "link/ProtocolConstants.h"
 #include "link/RequestText.h"
 
-#include <algorithm>
-
 namespace VLM {
 
 void VLMFontInfoEvent::build() {
@@ -32,33 +30,21 @@ Tamrik::IXmlNode* VLMFontInfoEvent::parseResult() {
     if (root == nullptr) {
         return nullptr;
     }
-    for (const Tamrik::IXmlNode* node = root->getFirstChild(); node != nullptr;
-         node = node->getNextNode()) {
-        if (node->getName() != "font") {
-            continue;
-        }
-        const Tamrik::IXmlNode* psName = node->getFirstChild("psName");
-        if (psName == nullptr) {
-            continue;
-        }
-        const std::string name = psName->getContent();
-        auto record = std::find_if(fonts.begin(), fonts.end(),
-                                   [&](const auto& font) { return font->font.psName == name; });
-        if (record == fonts.end()) {
-            continue;
-        }
-        for (const Tamrik::IXmlNode* child = node->getFirstChild(); child != nullptr;
-             child = child->getNextNode()) {
-            const std::string childName = child->getName();
-            if (childName == "type") {
-                (*record)->font.type = VLMFontInfo::typeStringToEnum(child->getContent());
-            } else if (childName == "count") {
-                bool ok = false;
-                (*record)->font.count = static_cast<std::uint32_t>(
-                    Tamrik::safeParse<unsigned long>(child->getContent(), ok));
+    forEachAnsweredRecord(
+        *root, "psName", &Protocol::Font::psName,
+        [](const Tamrik::IXmlNode& font, VLMFontInfo& record) {
+            for (const Tamrik::IXmlNode* child = font.getFirstChild(); child != nullptr;
+                 child = child->getNextNode()) {
+                const std::string name = child->getName();
+                if (name == "type") {
+                    record.font.type = VLMFontInfo::typeStringToEnum(child->getContent());
+                } else if (name == "count") {
+                    bool ok = false;
+                    record.font.count = static_cast<std::uint32_t>(
+                        Tamrik::safeParse<unsigned long>(child->getContent(), ok));
+                }
             }
-        }
-    }
+        });
     return nullptr;
 }
 
