@@ -1,12 +1,15 @@
 #pragma once
 
 #include "link/FontInfo.h"
+#include "link/VLMChangeNotifier.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace VLMTest {
 
@@ -35,5 +38,20 @@ inline std::string replyLines(std::initializer_list<std::string> lines,
     }
     return text + "</cmd>\n";
 }
+
+// A change listener that records what it is told, prefixed with its name, and may act on
+// the registry from inside the broadcast.
+struct Listener : VLM::IVLMChangeNotifier {
+    Listener(std::vector<std::string>& log, std::string name) : log(log), name(std::move(name)) {}
+    void OnVLMNotify(const std::string& text) override {
+        log.push_back(name + text);
+        if (duringNotify) {
+            duringNotify();
+        }
+    }
+    std::vector<std::string>& log;
+    std::string name;
+    std::function<void()> duringNotify;
+};
 
 } // namespace VLMTest

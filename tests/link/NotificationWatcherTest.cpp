@@ -2,17 +2,14 @@
 
 #include "link/MacVLMNotifyHandler.h"
 #include "link/NotificationDaemon.h"
-#include "link/VLMChangeNotifier.h"
 
 #include <stdexcept>
 
 namespace {
 
-const std::string libraryChanged = "org.vellumine.Vellumine.FontLibraryChanged";
-
 class Watcher : public VLMTest::LinkTest {
 protected:
-    VLMTest::FakeNamedNotifications& notifications() { return platform.notifications; }
+    int tokenOf(const std::string& name) { return platform.notifications.tokenOf(name); }
 
     // Counts the firings queued for a name, consuming them.
     int drain(const std::string& name) {
@@ -25,8 +22,8 @@ protected:
 
     // Returns once the reading thread has finished a check that began after this call.
     void waitForFreshCheck(int token) {
-        const std::uint64_t done = notifications().checksDone(token);
-        ASSERT_TRUE(notifications().waitForChecks(token, done + 2));
+        const std::uint64_t done = platform.notifications.checksDone(token);
+        ASSERT_TRUE(platform.notifications.waitForChecks(token, done + 2));
     }
 
     BSDNotification::Daemon daemon;
@@ -34,84 +31,64 @@ protected:
 
 TEST_F(Watcher, FirstCheckAfterRegistrationQueuesOneMessage) {
     ASSERT_TRUE(daemon.addListener("a"));
-    const int token = notifications().tokenOf("a");
-    ASSERT_TRUE(notifications().waitForChecks(token, 3));
-    EXPECT_TRUE(daemon.hasFired("a"));
-    EXPECT_FALSE(daemon.hasFired("a"));
+    ASSERT_TRUE(platform.notifications.waitForChecks(tokenOf("a"), 3));
+    EXPECT_EQ(drain("a"), 1);
     EXPECT_FALSE(daemon.hasFired("unknown"));
 }
 
-TEST_F(Watcher, PostsWithinOnePollingPeriodCountOnce) {
+TEST_F(Watcher, PostsCountOncePerPollingPeriod) {
     ASSERT_TRUE(daemon.addListener("a"));
-    const int token = notifications().tokenOf("a");
+    const int token = tokenOf("a");
     waitForFreshCheck(token);
     ASSERT_EQ(drain("a"), 1);
 
-    notifications().holdChecks();
+    platform.notifications.holdChecks();
     for (int i = 0; i < 3; ++i) {
-        notifications().post("a");
+        platform.notifications.post("a");
     }
-    notifications().releaseChecks();
+    platform.notifications.releaseChecks();
     waitForFreshCheck(token);
-    EXPECT_EQ(drain("a"), 1);
-}
-
-TEST_F(Watcher, PostsInSeparatePeriodsCountEach) {
-    ASSERT_TRUE(daemon.addListener("a"));
-    const int token = notifications().tokenOf("a");
-    waitForFreshCheck(token);
-    ASSERT_EQ(drain("a"), 1);
+    EXPECT_EQ(drain("a"), 1) << "three posts in one period";
 
     for (int i = 0; i < 3; ++i) {
-        notifications().post("a");
+        platform.notifications.post("a");
         waitForFreshCheck(token);
     }
-    EXPECT_TRUE(daemon.hasFired("a"));
-    EXPECT_TRUE(daemon.hasFired("a"));
-    EXPECT_TRUE(daemon.hasFired("a"));
-    EXPECT_FALSE(daemon.hasFired("a"));
+    EXPECT_EQ(drain("a"), 3) << "three posts in three periods";
 }
 
 TEST_F(Watcher, EmptyNameTakesOneFiringOfAnyWatchedName) {
     EXPECT_FALSE(daemon.hasFired(""));
     ASSERT_TRUE(daemon.addListener("a"));
     ASSERT_TRUE(daemon.addListener("b"));
-    waitForFreshCheck(notifications().tokenOf("a"));
-    waitForFreshCheck(notifications().tokenOf("b"));
+    waitForFreshCheck(tokenOf("a"));
+    waitForFreshCheck(tokenOf("b"));
     EXPECT_TRUE(daemon.hasFired(""));
     EXPECT_TRUE(daemon.hasFired("b")); // the first call took a's firing only
     EXPECT_FALSE(daemon.hasFired(""));
 }
 
-TEST_F(Watcher, RemovingStopsPollingAndCancelsTheRegistration) {
+TEST_F(Watcher, ReplacingEndsTheOldReaderAndRemovingCancelsTheRegistration) {
     ASSERT_TRUE(daemon.addListener("a"));
+    const int first = tokenOf("a");
+    ASSERT_TRUE(daemon.addListener("a"));
+    ASSERT_NE(tokenOf("a"), first);
+    const std::uint64_t firstChecks = platform.notifications.checksDone(first);
+    waitForFreshCheck(tokenOf("a"));
+    EXPECT_EQ(platform.notifications.checksDone(first), firstChecks);
+
     ASSERT_TRUE(daemon.addListener("b"));
-    const int tokenA = notifications().tokenOf("a");
     daemon.removeListener("unknown");
     EXPECT_EQ(daemon.watchedCount(), 2u);
-
-    daemon.removeListener("a");
-    EXPECT_FALSE(daemon.isWatching("a"));
-    EXPECT_FALSE(notifications().isRegistered(tokenA));
-
+    daemon.removeListener("b");
+    EXPECT_FALSE(daemon.isWatching("b"));
+    EXPECT_EQ(tokenOf("b"), -1);
     daemon.removeListener("");
     EXPECT_EQ(daemon.watchedCount(), 0u);
 }
 
-TEST_F(Watcher, SecondListenerForANameReplacesTheFirst) {
-    ASSERT_TRUE(daemon.addListener("a"));
-    const int firstToken = notifications().tokenOf("a");
-    ASSERT_TRUE(daemon.addListener("a"));
-    const int secondToken = notifications().tokenOf("a");
-    EXPECT_NE(firstToken, secondToken);
-    EXPECT_EQ(daemon.watchedCount(), 1u);
-    const std::uint64_t firstChecks = notifications().checksDone(firstToken);
-    waitForFreshCheck(secondToken);
-    EXPECT_EQ(notifications().checksDone(firstToken), firstChecks); // the first thread ended
-}
-
 TEST_F(Watcher, RegistrationFailureRaisesAndWatchesNothing) {
-    notifications().failRegistrations(true);
+    platform.notifications.failRegistrations(true);
     try {
         daemon.addListener("a");
         FAIL() << "registration failure not reported";
@@ -121,33 +98,31 @@ TEST_F(Watcher, RegistrationFailureRaisesAndWatchesNothing) {
     EXPECT_EQ(daemon.watchedCount(), 0u);
 }
 
-class Recorder : public VLM::IVLMChangeNotifier {
-public:
-    void OnVLMNotify(const std::string& text) override { heard.push_back(text); }
-    std::vector<std::string> heard;
-};
-
+// Events FSBC and FFSC and library changes become font changes; other events are ignored.
 TEST_F(Watcher, TransportTurnsEventsAndLibraryChangesIntoFontChanges) {
     VLM::MacVLMNotifyHandler handler;
-    Recorder listener;
+    std::vector<std::string> heard;
+    VLMTest::Listener listener(heard, "");
     handler.registerNotifer(&listener);
     handler.start();
     handler.start(); // the watcher is made once
     ASSERT_TRUE(handler.isWatchingLibrary());
     EXPECT_TRUE(platform.appEvents.hasHandler("VLM4", "****"));
 
-    const int token = notifications().tokenOf(libraryChanged);
+    const int token = tokenOf("org.vellumine.Vellumine.FontLibraryChanged");
     ASSERT_NE(token, -1);
     waitForFreshCheck(token);
     handler.push();
     handler.push(); // one firing, one command
     std::string reply;
-    platform.appEvents.deliver({"VLM4", "FFSC", ""}, reply);
-    EXPECT_EQ(listener.heard, std::vector<std::string>(2, "<cmd cmd=\"fontChanged\"></cmd>"));
+    for (const char* id : {"FSBC", "XXXX", "FFSC"}) {
+        EXPECT_EQ(platform.appEvents.deliver({"VLM4", id, ""}, reply), Platform::Status::ok);
+    }
+    EXPECT_EQ(reply, "");
+    EXPECT_EQ(heard, std::vector<std::string>(3, "<cmd cmd=\"fontChanged\"></cmd>"));
 
     handler.end();
     EXPECT_FALSE(handler.isWatchingLibrary());
-    EXPECT_FALSE(platform.appEvents.hasHandler("VLM4", "****"));
     EXPECT_EQ(platform.appEvents.deliver({"VLM4", "FSBC", ""}, reply),
               Platform::Status::notHandled);
 }

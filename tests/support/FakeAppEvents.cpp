@@ -2,18 +2,12 @@
 
 #include "platform/Status.h"
 
-#include <stdexcept>
-
 namespace VLMTest {
 
 int FakeAppEvents::send(const std::string& signature, const Platform::AppEvent& event,
                         std::string& reply) {
     sentEvents.push_back({signature, event});
-    if (throwsLeft > 0) {
-        --throwsLeft;
-        throw std::runtime_error("fake transport failure");
-    }
-    Answer answer = fallback;
+    Answer answer{Platform::Status::notRunning, ""};
     if (!answers.empty()) {
         answer = answers.front();
         answers.pop_front();
@@ -49,19 +43,6 @@ int FakeAppEvents::deliver(const Platform::AppEvent& event, std::string& reply) 
         return Platform::Status::notHandled;
     }
     return found->second.handler(event, reply, found->second.refcon);
-}
-
-bool FakeAppEvents::hasHandler(const std::string& eventClass, const std::string& eventID) const {
-    return handlers.count({eventClass, eventID}) != 0;
-}
-
-void FakeAppEvents::reset() {
-    answers.clear();
-    fallback = {Platform::Status::notRunning, ""};
-    responder = nullptr;
-    throwsLeft = 0;
-    sentEvents.clear();
-    handlers.clear();
 }
 
 } // namespace VLMTest

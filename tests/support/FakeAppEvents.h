@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/AppEvents.h"
-#include "platform/Status.h"
 
 #include <deque>
 #include <functional>
@@ -13,8 +12,8 @@
 namespace VLMTest {
 
 // Application events in memory. Sends are recorded and answered from a queue of scripted
-// answers, then from the default answer; delivered events go to the installed handlers
-// as the event loop would hand them over.
+// answers, then by the responder, else as if the application were not running; delivered
+// events go to the installed handlers as the event loop would hand them over.
 class FakeAppEvents : public Platform::AppEvents {
 public:
     struct Answer {
@@ -34,21 +33,20 @@ public:
                       Platform::AppEventHandlerProc handler) override;
 
     void queueAnswer(int status, const std::string& reply) { answers.push_back({status, reply}); }
-    void setDefaultAnswer(int status, const std::string& reply) { fallback = {status, reply}; }
-    // Computes the answer from the request instead (e.g. a font manager stand-in).
+    // Computes the answer from the request instead (e.g. a font manager stand-in); it may
+    // also throw, as a failing transport would.
     void setResponder(std::function<Answer(const Platform::AppEvent&)> responder) {
         this->responder = std::move(responder);
     }
-    // The next `count` sends throw instead of answering.
-    void throwOnNextSends(int count) { throwsLeft = count; }
 
     // Hands an incoming event to the handler installed for its class and ID, or for its
     // class and any ID; Status::notHandled when there is none.
     int deliver(const Platform::AppEvent& event, std::string& reply);
-    bool hasHandler(const std::string& eventClass, const std::string& eventID) const;
+    bool hasHandler(const std::string& eventClass, const std::string& eventID) const {
+        return handlers.count({eventClass, eventID}) != 0;
+    }
 
     const std::vector<Sent>& sent() const { return sentEvents; }
-    void reset();
 
 private:
     struct Installed {
@@ -57,9 +55,7 @@ private:
     };
 
     std::deque<Answer> answers;
-    Answer fallback{Platform::Status::notRunning, ""};
     std::function<Answer(const Platform::AppEvent&)> responder;
-    int throwsLeft = 0;
     std::vector<Sent> sentEvents;
     std::map<std::pair<std::string, std::string>, Installed> handlers;
 };

@@ -77,11 +77,6 @@ bool FakeNamedNotifications::waitForChecks(int token, std::uint64_t count) const
     });
 }
 
-bool FakeNamedNotifications::isRegistered(int token) const {
-    std::lock_guard<std::mutex> guard(lock);
-    return registrations.count(token) != 0;
-}
-
 int FakeNamedNotifications::tokenOf(const std::string& name) const {
     std::lock_guard<std::mutex> guard(lock);
     int newest = -1;

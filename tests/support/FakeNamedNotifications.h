@@ -30,7 +30,6 @@ public:
     std::uint64_t checksDone(int token) const;
     // Blocks until the registration has completed `count` checks; false after 5 seconds.
     bool waitForChecks(int token, std::uint64_t count) const;
-    bool isRegistered(int token) const;
     int tokenOf(const std::string& name) const; // the newest registration, -1 when none
 
 private:

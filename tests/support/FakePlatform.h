@@ -14,8 +14,10 @@ namespace VLMTest {
 // Meant as a test fixture member, so that each test starts from fresh fakes.
 class FakePlatform {
 public:
-    FakePlatform();
-    ~FakePlatform();
+    FakePlatform() {
+        Platform::install({&appEvents, &notifications, &runningApplications, &launchers, &clock});
+    }
+    ~FakePlatform() { Platform::install(previous); }
     FakePlatform(const FakePlatform&) = delete;
     FakePlatform& operator=(const FakePlatform&) = delete;
 
@@ -26,7 +28,7 @@ public:
     FakeClock clock;
 
 private:
-    Platform::Services previous;
+    Platform::Services previous = Platform::services();
 };
 
 } // namespace VLMTest
