@@ -1,7 +1,8 @@
 // vellumine's replies as the plug-in receives them: the plug-in's own requests, transport
-// (line joining, "&" escaping) and reply parsers, with vellumine's dispatcher at the other
-// end of an in-memory channel instead of the bus.
+// (line joining, "&" escaping) and reply parsers, with vellumine's dispatcher answering
+// in memory instead of over the bus.
 #include "FontFixtures.h"
+#include "PluginRecord.h"
 
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
@@ -20,49 +21,14 @@ namespace {
 
 using namespace VellumineTest;
 
-// Hands every request straight to a dispatcher.
-class DispatcherChannel : public Platform::AppEvents {
-public:
-    explicit DispatcherChannel(RequestDispatcher& dispatcher) : dispatcher(&dispatcher) {}
-    void use(RequestDispatcher& other) { dispatcher = &other; }
-    int send(const std::string& signature, const Platform::AppEvent& event,
-             std::string& reply) override {
-        if (signature != "VLMQ" || event.eventClass != "VLMQ") {
-            return Platform::Status::notRunning;
-        }
-        reply = dispatcher->answer(event.text);
-        return Platform::Status::ok;
-    }
-    int installHandler(const std::string&, const std::string&, Platform::AppEventHandlerProc,
-                       void*) override {
-        return Platform::Status::ok;
-    }
-    int removeHandler(const std::string&, const std::string&,
-                      Platform::AppEventHandlerProc) override {
-        return Platform::Status::ok;
-    }
-
-private:
-    RequestDispatcher* dispatcher;
-};
-
-Tamrik::SmartPointer<VLMFontInfo> record(const std::string& syncID, const std::string& psName,
-                                         int type = 4) {
-    Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
-    font->font.syncID = syncID;
-    font->font.psName = psName;
-    font->font.type = type;
-    return font;
-}
-
 class PluginAcceptance : public testing::Test {
 protected:
     void SetUp() override {
         FaceReader reader;
         LibraryImporter(catalog, reader).add({nimbusRomanType1, nimbusRomanOpenType, dejaVuSans});
-        Platform::Services services = Platform::services();
-        services.appEvents = &channel;
-        Platform::install(services);
+        platform.appEvents.setResponder([this](const Platform::AppEvent& event) {
+            return VLMTest::FakeAppEvents::Answer{0, answering->answer(event.text)};
+        });
         VLM::NotifiyHandlerFactory::getNotifyHandler(true);
     }
 
@@ -72,7 +38,7 @@ protected:
     Activation activation{catalog, scratch.path() / "fonts" / "vellumine"};
     LibraryChanges changes{catalog, [](const std::string&) { return 0; }};
     RequestDispatcher dispatcher{catalog, activation, changes};
-    DispatcherChannel channel{dispatcher};
+    RequestDispatcher* answering = &dispatcher;
 };
 
 TEST_F(PluginAcceptance, FontRequestRepliesMergeIntoTheRecords) {
@@ -105,12 +71,9 @@ TEST_F(PluginAcceptance, FontRequestRepliesMergeIntoTheRecords) {
 }
 
 TEST_F(PluginAcceptance, HostileValuesComeBackAsTheyWereSent) {
-    const std::vector<std::string> syncIDs = {
-        "a&b",           "a<b",     "x</cmd>",
-        "]]>",           "&amp;",   "&lt;",
-        "<![CDATA[x]]>", "a&<b>&c", "<!DOCTYPE x [<!ENTITY e \"boom\">]>&e;"};
     VLM::VLMFontRequestEvent request;
-    for (const auto& syncID : syncIDs) {
+    for (const char* syncID : {"a&b", "a<b", "x</cmd>", "]]>", "&amp;", "&lt;", "<![CDATA[x]]>",
+                               "a&<b>&c", "<!DOCTYPE x [<!ENTITY e \"boom\">]>&e;"}) {
         request.fonts.push_back(record(syncID, "NimbusRoman-Regular"));
     }
     request.build();
@@ -147,11 +110,12 @@ TEST_F(PluginAcceptance, ActivationShowAndBuyRepliesPassThePluginsChecks) {
 
 TEST_F(PluginAcceptance, AnOlderAnnouncedVersionIsRejectedByThePlugin) {
     RequestDispatcher older(catalog, activation, changes, {"1.5", {}});
-    channel.use(older);
+    answering = &older;
     VLM::VLMFontRequestEvent request;
     request.fonts = {record("1", "NimbusRoman-Regular")};
     request.build();
     EXPECT_EQ(request.send(), nullptr);
+    EXPECT_EQ(request.getProtocolVersion(), "1.5");
     EXPECT_EQ(request.fonts[0]->font.count, 0u);
 }
 

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <regex>
+#include <sstream>
 
 namespace Vellumine {
 namespace {
@@ -15,22 +17,17 @@ namespace {
 using namespace VellumineTest;
 
 // The values of the element lines of one reply, per <font> block (block 0 is the text
-// outside any font).
+// before the first font).
 std::vector<std::multimap<std::string, std::string>> replyBlocks(const std::string& reply) {
+    static const std::regex element("<(\\w+)>(.*)</\\1>");
     std::vector<std::multimap<std::string, std::string>> blocks(1);
-    std::size_t at = 0;
-    while (at < reply.size()) {
-        const auto end = reply.find('\n', at);
-        const std::string line = reply.substr(at, end - at);
-        at = end + 1;
+    std::istringstream lines(reply);
+    std::smatch match;
+    for (std::string line; std::getline(lines, line);) {
         if (line == "<font>") {
             blocks.emplace_back();
-        }
-        const auto close = line.find('>');
-        const auto closing = line.rfind("</");
-        if (line.size() > 2 && line[0] == '<' && closing != std::string::npos && closing > close) {
-            blocks.back().emplace(line.substr(1, close - 1),
-                                  line.substr(close + 1, closing - close - 1));
+        } else if (std::regex_match(line, match, element)) {
+            blocks.back().emplace(match[1], match[2]);
         }
     }
     return blocks;
@@ -39,6 +36,15 @@ std::vector<std::multimap<std::string, std::string>> replyBlocks(const std::stri
 std::string value(const std::multimap<std::string, std::string>& block, const std::string& name) {
     const auto found = block.find(name);
     return found == block.end() ? "<absent>" : found->second;
+}
+
+// Each "name=value" must be the value of that element in the block.
+void expectElements(const std::multimap<std::string, std::string>& block,
+                    const std::vector<std::string>& pairs) {
+    for (const std::string& pair : pairs) {
+        const std::string name = pair.substr(0, pair.find('='));
+        EXPECT_EQ(name + "=" + value(block, name), pair);
+    }
 }
 
 std::string fontRequest(const std::vector<std::string>& fontLines) {
@@ -74,44 +80,31 @@ protected:
     std::int64_t type1Id = 0, openTypeId = 0, dejaVuId = 0;
 };
 
-TEST_F(RequestHandlingTest, FontPresentInTheRequestedType) {
+TEST_F(RequestHandlingTest, FontPresentInTheRequestedTypeInAnotherTypeOrAbsent) {
     const auto blocks = replyBlocks(dispatcher.answer(fontRequest(
-        {"<syncID>s1</syncID>\n<psName>NimbusRoman-Regular</psName>\n<type>T1</type>\n"})));
-    ASSERT_EQ(blocks.size(), 2u);
-    const auto& font = blocks[1];
+        {"<syncID>s1</syncID>\n<psName>NimbusRoman-Regular</psName>\n<type>T1</type>\n",
+         "<syncID>s2</syncID>\n<psName>DejaVuSans</psName>\n<type>OT_T1</type>\n",
+         "<syncID>9</syncID>\n<psName>Nowhere-Bold</psName>\n<familyName>Nowhere</familyName>\n"
+         "<styleName>Bold</styleName>\n"})));
+    ASSERT_EQ(blocks.size(), 4u);
     EXPECT_EQ(value(blocks[0], "protocolVersion"), "2.0");
-    EXPECT_EQ(value(font, "syncID"), "s1");
-    EXPECT_EQ(value(font, "type"), "T1");
-    EXPECT_EQ(value(font, "familyName"), "Nimbus Roman");
-    EXPECT_EQ(value(font, "count"), "2");
-    EXPECT_EQ(value(font, "typeMatchingCount"), "1");
-    EXPECT_EQ(value(font, "typeMatchingContainerID"), std::to_string(type1Id));
-    EXPECT_EQ(value(font, "containerID"), std::to_string(type1Id));
-    EXPECT_EQ(value(font, "isActive"), "false");
-    EXPECT_EQ(font.count("fontInfo"), 0u); // blocks of two children, counted below
-    EXPECT_EQ(font.count("description"), 2u);
-    EXPECT_EQ(value(blocks[1], "showWindow"), "0"); // trailing element after the last font
-}
-
-TEST_F(RequestHandlingTest, FontPresentOnlyInAnotherType) {
-    const auto font = replyBlocks(dispatcher.answer(
-        fontRequest({"<syncID>s</syncID>\n<psName>DejaVuSans</psName>\n<type>OT_T1</type>\n"})))[1];
-    EXPECT_EQ(value(font, "count"), "1");
-    EXPECT_EQ(value(font, "typeMatchingCount"), "0");
-    EXPECT_EQ(value(font, "typeMatchingContainerID"), "");
-    EXPECT_EQ(value(font, "containerID"), std::to_string(dejaVuId));
-    EXPECT_EQ(value(font, "type"), "OT_T1"); // the document still needs its own type
-}
-
-TEST_F(RequestHandlingTest, FontAbsentEchoesTheRequest) {
-    const auto font = replyBlocks(dispatcher.answer(fontRequest(
-        {"<syncID>9</syncID>\n<psName>Nowhere-Bold</psName>\n<familyName>Nowhere</familyName>\n"
-         "<styleName>Bold</styleName>\n"})))[1];
-    EXPECT_EQ(value(font, "psName"), "Nowhere-Bold");
-    EXPECT_EQ(value(font, "styleName"), "Bold");
-    EXPECT_EQ(value(font, "count"), "0");
-    EXPECT_EQ(value(font, "containerID"), "");
-    EXPECT_EQ(value(font, "type"), "all");
+    const std::string type1 = std::to_string(type1Id);
+    const std::vector<std::string> expected[] = {
+        {"syncID=s1", "type=T1", "familyName=Nimbus Roman", "count=2", "typeMatchingCount=1",
+         "typeMatchingContainerID=" + type1, "containerID=" + type1, "isActive=false"},
+        // The document still needs its own type.
+        {"syncID=s2", "type=OT_T1", "count=1", "typeMatchingCount=0",
+         "typeMatchingContainerID=", "containerID=" + std::to_string(dejaVuId)},
+        // Absent: the request echoed.
+        {"syncID=9", "psName=Nowhere-Bold", "styleName=Bold", "count=0",
+         "containerID=", "type=all"}};
+    for (std::size_t font = 0; font < 3; ++font) {
+        SCOPED_TRACE("font " + std::to_string(font));
+        expectElements(blocks[font + 1], expected[font]);
+    }
+    EXPECT_EQ(blocks[1].count("fontInfo"), 0u); // blocks of two children, counted below
+    EXPECT_EQ(blocks[1].count("description"), 2u);
+    EXPECT_EQ(value(blocks[3], "showWindow"), "0"); // trailing element after the last font
 }
 
 TEST_F(RequestHandlingTest, FallsBackToFamilyAndStyle) {
@@ -119,24 +112,19 @@ TEST_F(RequestHandlingTest, FallsBackToFamilyAndStyle) {
         {"<syncID>a</syncID>\n<psName>NimbusRom-Bd</psName>\n"
          "<familyName>nimbus roman</familyName>\n<styleName>Bold</styleName>\n",
          "<syncID>b</syncID>\n<psName></psName>\n<familyName>Nimbus Roman</familyName>\n"})));
-    EXPECT_EQ(value(blocks[1], "count"), "1");
-    EXPECT_EQ(value(blocks[1], "type"), "OT_T1"); // no type asked: the offered face's
-    EXPECT_EQ(value(blocks[2], "count"), "2");    // no style: the regular faces
-    EXPECT_EQ(value(blocks[2], "psName"), "NimbusRoman-Regular");
+    expectElements(blocks[1], {"count=1", "type=OT_T1"}); // no type asked: the offered face's
+    expectElements(blocks[2], {"count=2", "psName=NimbusRoman-Regular"}); // no style: regular
 }
 
 TEST_F(RequestHandlingTest, AsksToShowItsWindowWhenTheUserHasAChoice) {
     const std::string anyType =
         fontRequest({"<syncID>1</syncID>\n<psName>NimbusRoman-Regular</psName>\n"});
-    auto blocks = replyBlocks(dispatcher.answer(anyType));
-    EXPECT_EQ(value(blocks[1], "typeMatchingCount"), "2");
-    EXPECT_EQ(value(blocks.back(), "showWindow"), "1");
-
+    expectElements(replyBlocks(dispatcher.answer(anyType))[1],
+                   {"typeMatchingCount=2", "showWindow=1"});
     ASSERT_TRUE(activation.activate(openTypeId).succeeded());
-    blocks = replyBlocks(dispatcher.answer(anyType));
-    EXPECT_EQ(value(blocks.back(), "showWindow"), "0");
-    EXPECT_EQ(value(blocks[1], "isTypeMatchingActive"), "true");
-    EXPECT_EQ(value(blocks[1], "containerID"), std::to_string(openTypeId)); // the active one
+    expectElements(replyBlocks(dispatcher.answer(anyType))[1],
+                   {"showWindow=0", "isTypeMatchingActive=true",
+                    "containerID=" + std::to_string(openTypeId)}); // the active one
 }
 
 TEST_F(RequestHandlingTest, ActivationRequestActivatesOnlyCatalogContainers) {
@@ -148,9 +136,9 @@ TEST_F(RequestHandlingTest, ActivationRequestActivatesOnlyCatalogContainers) {
         "<font>\n<containerID>999999</containerID>\n<psName>z</psName>\n</font>\n</cmd>\n");
     const auto blocks = replyBlocks(reply);
     ASSERT_EQ(blocks.size(), 5u);
-    EXPECT_EQ(value(blocks[1], "activationSuccessfull"), "true");
-    for (int i = 2; i <= 4; ++i) {
-        EXPECT_EQ(value(blocks[i], "activationSuccessfull"), "false") << i;
+    for (int i = 1; i <= 4; ++i) {
+        expectElements(blocks[i],
+                       {i == 1 ? "activationSuccessfull=true" : "activationSuccessfull=false"});
     }
     EXPECT_TRUE(catalog.face(type1Id)->active);
     EXPECT_EQ(catalog.activeFaceCount(), 1);
@@ -169,19 +157,16 @@ TEST_F(RequestHandlingTest, ShowAndBuyRequestsAreRecorded) {
         "<font>\n<containerID>" +
         std::to_string(dejaVuId) +
         "</containerID>\n<psName>DejaVuSans</psName>\n</font>\n</cmd>\n"));
-    EXPECT_EQ(value(shown[1], "count"), "1");
-    EXPECT_EQ(value(shown[1], "type"), "TT");
+    expectElements(shown[1], {"count=1", "type=TT"});
     const std::string bought = dispatcher.answer(
         "<cmd>buyRequest</cmd>\n<font>\n<psName>Nowhere-Bold</psName>\n</font>\n</cmd>\n");
     EXPECT_NE(bought.find("wish list"), std::string::npos);
 
     const auto requests = catalog.windowlessRequests("", 10);
     ASSERT_EQ(requests.size(), 2u);
-    EXPECT_EQ(requests[0].kind, "buy");
-    EXPECT_EQ(requests[0].postScriptName, "Nowhere-Bold");
-    EXPECT_EQ(requests[1].kind, "show");
-    EXPECT_EQ(requests[1].containerID, std::to_string(dejaVuId));
-    EXPECT_EQ(requests[1].application, "InDn");
+    EXPECT_EQ(requests[0].kind + " " + requests[0].postScriptName, "buy Nowhere-Bold");
+    EXPECT_EQ(requests[1].kind + " " + requests[1].containerID + " " + requests[1].application,
+              "show " + std::to_string(dejaVuId) + " InDn");
 }
 
 TEST_F(RequestHandlingTest, RefusalsAreErrorRepliesWithTheProtocolVersion) {
@@ -208,9 +193,9 @@ TEST_F(RequestHandlingTest, RemembersTargetsAndForwardsChangesToThem) {
     changes.announce("FFSC"); // from before the server started: not forwarded
     forwarder.skipPastChanges();
     EXPECT_EQ(forwarder.forwardNewChanges(), 0);
-    changes.announce("FSBC");
-    changes.announce("FSBC");
-    changes.announce("FFSC");
+    for (const char* kind : {"FSBC", "FSBC", "FFSC"}) {
+        changes.announce(kind);
+    }
     EXPECT_EQ(forwarder.forwardNewChanges(), 2);
     EXPECT_EQ(sent, (std::vector<std::string>{"InDn VLM4/FSBC", "InDn VLM4/FFSC"}));
     EXPECT_EQ(forwarder.forwardNewChanges(), 0);

@@ -2,6 +2,7 @@
 // desktop entry, launches it, asks about and activates fonts; fontconfig on a private
 // configuration sees the result; vellumine tells the host with VLM4 events.
 #include "FontFixtures.h"
+#include "PluginRecord.h"
 #include "PrivateSession.h"
 
 #include "fontmanager/Catalog.h"
@@ -27,15 +28,6 @@ namespace Vellumine {
 namespace {
 
 using namespace VellumineTest;
-
-Tamrik::SmartPointer<VLMFontInfo> record(const std::string& syncID, const std::string& psName,
-                                         int type = 4) {
-    Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
-    font->font.syncID = syncID;
-    font->font.psName = psName;
-    font->font.type = type;
-    return font;
-}
 
 int recordEvent(const Platform::AppEvent& event, std::string&, void* refcon) {
     static_cast<std::vector<std::string>*>(refcon)->push_back(event.eventClass + "/" +
@@ -129,7 +121,7 @@ protected:
     std::vector<std::string> hostEvents;
 };
 
-TEST_F(VellumineSession, LaunchedThroughItsDesktopEntryItAnswersFontRequests) {
+TEST_F(VellumineSession, LaunchedThroughItsDesktopEntryItAnswersAndASecondServerRefuses) {
     ASSERT_FALSE(vellumineRuns());
     launch();
 
@@ -146,12 +138,15 @@ TEST_F(VellumineSession, LaunchedThroughItsDesktopEntryItAnswersFontRequests) {
     EXPECT_FALSE(request.fonts[1]->hasTypeMatching);
     EXPECT_EQ(request.fonts[2]->font.count, 1u);
     EXPECT_EQ(request.fonts[2]->font.typeMatchingCount, 0u);
+
+    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "serve"}), 3); // a second server refuses
+    EXPECT_NE(sendRaw("<cmd>buyRequest</cmd>\n</cmd>\n").find("buyReply"), std::string::npos);
 }
 
+// The request names the host as a target for changes, from the plug-in or the command line.
 TEST_F(VellumineSession, ActivationMakesFontconfigListTheFaceAndTellsTheHost) {
     launch();
     ASSERT_EQ(fontconfigFaces("NimbusRoman-Regular"), 0);
-
     VLM::VLMFontRequestEvent request;
     request.fonts = {record("1", "NimbusRoman-Regular", 2)};
     request.build();
@@ -165,26 +160,13 @@ TEST_F(VellumineSession, ActivationMakesFontconfigListTheFaceAndTellsTheHost) {
     EXPECT_TRUE(waitForHostEvent("VLM4/FSBC"));
     request.send();
     EXPECT_TRUE(request.fonts[0]->font.isTypeMatchingActive);
-}
 
-TEST_F(VellumineSession, CommandLineChangesReachApplicationsThatAsked) {
-    launch();
-    VLM::VLMFontRequestEvent request; // names the host as a target
-    request.fonts = {record("1", "DejaVuSans")};
-    request.build();
-    ASSERT_NE(request.send(), nullptr);
-
+    hostEvents.clear();
     EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "activate", "DejaVuSans"}), 0);
     EXPECT_TRUE(waitForHostEvent("VLM4/FSBC"));
     EXPECT_EQ(fontconfigFaces("DejaVuSans"), 1);
     EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "add", urwOpenTypeFolder.string()}), 0);
     EXPECT_TRUE(waitForHostEvent("VLM4/FFSC"));
-}
-
-TEST_F(VellumineSession, ASecondServerRefusesWhileOneRuns) {
-    launch();
-    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "serve"}), 3);
-    EXPECT_NE(sendRaw("<cmd>buyRequest</cmd>\n</cmd>\n").find("buyReply"), std::string::npos);
 }
 
 TEST_F(VellumineSession, SurvivesHostileRequests) {
