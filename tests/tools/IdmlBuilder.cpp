@@ -2,9 +2,7 @@
 
 #include <zip.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <sstream>
+#include <algorithm>
 #include <stdexcept>
 
 namespace IdmlTestKit {
@@ -14,25 +12,17 @@ namespace {
 const char* kPackagingNs = "xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\"";
 const char* kHeader = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
 
+std::string storyPartName(std::size_t index) {
+    return "Stories/Story_u" + std::to_string(index + 1) + ".xml";
+}
+
 std::string escape(const std::string& text) {
+    static const std::map<char, std::string> entities{
+        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}};
     std::string out;
     for (char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += c;
-        }
+        auto entity = entities.find(c);
+        out += entity == entities.end() ? std::string(1, c) : entity->second;
     }
     return out;
 }
@@ -67,10 +57,15 @@ std::string element(const std::string& name, const std::string& self, const std:
     return properties.empty() ? open + "/>\n" : open + ">" + properties + "</" + name + ">\n";
 }
 
+// The XML declaration and the opening of a part's root element, without its closing ">".
+std::string partStart(const std::string& root, const DocumentDef& d) {
+    return std::string(kHeader) + "<" + root + " " + kPackagingNs +
+           attr("DOMVersion", d.domVersion);
+}
+
 std::string stylesXml(const DocumentDef& d) {
-    std::string xml = std::string(kHeader) + "<idPkg:Styles " + kPackagingNs +
-                      attr("DOMVersion", d.domVersion) + ">\n";
-    xml += "\t<RootCharacterStyleGroup Self=\"u79\">\n";
+    std::string xml =
+        partStart("idPkg:Styles", d) + ">\n\t<RootCharacterStyleGroup Self=\"u79\">\n";
     xml += "\t\t<CharacterStyle Self=\"CharacterStyle/$ID/[No character style]\" Name=\"$ID/[No "
            "character style]\"/>\n";
     for (const auto& s : d.characterStyles)
@@ -87,8 +82,7 @@ std::string stylesXml(const DocumentDef& d) {
 }
 
 std::string fontsXml(const DocumentDef& d) {
-    std::string xml = std::string(kHeader) + "<idPkg:Fonts " + kPackagingNs +
-                      attr("DOMVersion", d.domVersion) + ">\n";
+    std::string xml = partStart("idPkg:Fonts", d) + ">\n";
     for (std::size_t i = 0; i < d.fonts.size(); ++i) {
         const FontEntry& f = d.fonts[i];
         std::string self = "di" + std::to_string(100 + i);
@@ -101,44 +95,37 @@ std::string fontsXml(const DocumentDef& d) {
     return xml + "</idPkg:Fonts>\n";
 }
 
+// Text as <Content> elements, with <Br/> for each line break.
 std::string content(const std::string& text) {
-    std::string xml, pending;
-    auto flush = [&] {
-        if (!pending.empty())
-            xml += "<Content>" + escape(pending) + "</Content>";
-        pending.clear();
-    };
-    for (char c : text) {
-        if (c == '\n') {
-            flush();
+    std::string xml;
+    for (std::size_t from = 0, end; from <= text.size(); from = end + 1) {
+        end = std::min(text.find('\n', from), text.size());
+        if (end > from)
+            xml += "<Content>" + escape(text.substr(from, end - from)) + "</Content>";
+        if (end < text.size())
             xml += "<Br/>";
-        } else {
-            pending += c;
-        }
     }
-    flush();
     return xml;
 }
 
+// The opening tag of a Paragraph or Character style range, and its <Properties>.
+std::string rangeStart(const std::string& kind, const std::string& style, const FontAttrs& attrs) {
+    auto [attributes, properties] = fontMarkup(attrs, "");
+    std::string none =
+        kind == "Paragraph" ? "$ID/[No paragraph style]" : "$ID/[No character style]";
+    return "<" + kind + "StyleRange" +
+           attr("Applied" + kind + "Style", kind + "Style/" + (style.empty() ? none : style)) +
+           attributes + ">" + properties;
+}
+
 std::string storyXml(const DocumentDef& d, std::size_t index) {
-    const std::string id = "u" + std::to_string(index + 1);
-    std::string xml = std::string(kHeader) + "<idPkg:Story " + kPackagingNs +
-                      attr("DOMVersion", d.domVersion) + ">\n\t<Story" + attr("Self", id) + ">\n";
+    std::string xml = partStart("idPkg:Story", d) + ">\n\t<Story" +
+                      attr("Self", "u" + std::to_string(index + 1)) + ">\n";
     for (const auto& p : d.stories[index].paragraphs) {
-        auto [pAttrs, pProps] = fontMarkup(p.attrs, "");
-        xml += "\t\t<ParagraphStyleRange" +
-               attr("AppliedParagraphStyle",
-                    "ParagraphStyle/" + (p.paragraphStyle.empty() ? "$ID/[No paragraph style]"
-                                                                  : p.paragraphStyle)) +
-               pAttrs + ">" + pProps + "\n";
-        for (const auto& r : p.runs) {
-            auto [rAttrs, rProps] = fontMarkup(r.attrs, "");
-            xml += "\t\t\t<CharacterStyleRange" +
-                   attr("AppliedCharacterStyle",
-                        "CharacterStyle/" + (r.characterStyle.empty() ? "$ID/[No character style]"
-                                                                      : r.characterStyle)) +
-                   rAttrs + ">" + rProps + content(r.text) + "</CharacterStyleRange>\n";
-        }
+        xml += "\t\t" + rangeStart("Paragraph", p.paragraphStyle, p.attrs) + "\n";
+        for (const auto& r : p.runs)
+            xml += "\t\t\t" + rangeStart("Character", r.characterStyle, r.attrs) + content(r.text) +
+                   "</CharacterStyleRange>\n";
         xml += "\t\t</ParagraphStyleRange>\n";
     }
     return xml + "\t</Story>\n</idPkg:Story>\n";
@@ -156,25 +143,18 @@ std::string designMapXml(const DocumentDef& d) {
     return xml + "</Document>\n";
 }
 
-void addPart(zip_t* archive, const std::string& name, const std::string& data, bool store) {
-    // The buffer is copied by libzip only at close, so keep it alive through a heap copy
-    // that the source frees.
-    void* copy = std::malloc(data.size() ? data.size() : 1);
-    std::memcpy(copy, data.data(), data.size());
-    zip_source_t* source = zip_source_buffer(archive, copy, data.size(), 1);
+// `data` must live until the archive is closed: libzip reads it only then.
+void addPart(zip_t* archive, const std::string& name, const std::string& data) {
+    zip_source_t* source = zip_source_buffer(archive, data.data(), data.size(), 0);
     zip_int64_t index =
         zip_file_add(archive, name.c_str(), source, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE);
     if (index < 0)
         throw std::runtime_error("cannot add " + name + ": " + zip_strerror(archive));
-    zip_set_file_compression(archive, index, store ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
+    zip_set_file_compression(archive, index, name == "mimetype" ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
     zip_file_set_mtime(archive, index, 1577836800, 0); // fixed, so that output is reproducible
 }
 
 } // namespace
-
-std::string storyPartName(std::size_t index) {
-    return "Stories/Story_u" + std::to_string(index + 1) + ".xml";
-}
 
 void writeIdml(const DocumentDef& d, const std::string& path) {
     std::vector<std::pair<std::string, std::string>> parts{
@@ -186,24 +166,19 @@ void writeIdml(const DocumentDef& d, const std::string& path) {
     for (std::size_t i = 0; i < d.stories.size(); ++i)
         parts.emplace_back(storyPartName(i), storyXml(d, i));
     for (const auto& [name, data] : d.replacedParts) {
-        bool replaced = false;
-        for (auto& part : parts) {
-            if (part.first == name) {
-                part.second = data;
-                replaced = true;
-            }
-        }
-        if (!replaced)
+        auto part =
+            std::find_if(parts.begin(), parts.end(), [&](auto& p) { return p.first == name; });
+        if (part == parts.end())
             parts.emplace_back(name, data);
+        else
+            part->second = data;
     }
-    int code = 0;
-    zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &code);
+    zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
     if (!archive)
         throw std::runtime_error("cannot create " + path);
-    for (const auto& [name, data] : parts) {
+    for (const auto& [name, data] : parts)
         if (!d.omittedParts.count(name))
-            addPart(archive, name, data, name == "mimetype");
-    }
+            addPart(archive, name, data);
     if (zip_close(archive) != 0) {
         std::string reason = zip_strerror(archive);
         zip_discard(archive);

@@ -54,9 +54,6 @@ struct DocumentDef {
     std::set<std::string> omittedParts;
 };
 
-// Part name of story `index` (0-based): "Stories/Story_u1.xml", ...
-std::string storyPartName(std::size_t index);
-
 // Writes the package; throws std::runtime_error when the file cannot be written.
 void writeIdml(const DocumentDef& document, const std::string& path);
 

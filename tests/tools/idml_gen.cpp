@@ -15,9 +15,9 @@ int main(int argc, char** argv) {
         std::cerr << "idml-gen: cannot read " << argv[1] << '\n';
         return 2;
     }
-    std::stringstream text;
-    text << in.rdbuf();
     try {
+        std::stringstream text;
+        text << in.rdbuf();
         IdmlTestKit::writeIdml(IdmlTestKit::parseDescription(text.str()), argv[2]);
     } catch (const std::exception& error) {
         std::cerr << "idml-gen: " << argv[1] << ": " << error.what() << '\n';
