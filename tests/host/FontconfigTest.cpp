@@ -1,10 +1,6 @@
 // Galley's font system on a private fontconfig configuration with Debian-packaged fonts.
 #include "HostTestSupport.h"
-#include "host/fonts/FontconfigFontSystem.h"
-#include "host/session/SessionFontMgr.h"
 #include "sdk/HostIdentifiers.h"
-
-#include <gtest/gtest.h>
 
 using Strings = std::vector<std::string>;
 
@@ -14,35 +10,27 @@ const std::string kType1 = "/usr/share/fonts/type1/urw-base35/";
 const std::string kOpenType = "/usr/share/fonts/opentype/urw-base35/";
 const std::string kDejaVu = "/usr/share/fonts/truetype/dejavu/";
 
-class Fontconfig : public ::testing::Test {
-protected:
-    HostTest::PrivateFontconfig world;
-    HostTest::TempDir dir;
-    Galley::FontconfigFontSystem fontconfig;
-};
+using Fontconfig = HostTest::SessionTest<HostTest::FontconfigWorld>;
 
 TEST_F(Fontconfig, ListsOnlyThePrivateFacesWithTheirTypes) {
-    world.link(kType1 + "NimbusRoman-Regular.t1");
-    world.link(kOpenType + "NimbusSans-Bold.otf");
-    world.link(kDejaVu + "DejaVuSans.ttf");
-    Galley::SessionFontMgr fonts(fontconfig);
-    ASSERT_EQ(fonts.GetFontCount(false, IFontMgr::kAllFonts), 3);
-    auto type = [&](const char* ps) {
-        IPMFont* font = fonts.QueryFont(PMString(ps));
-        return font ? font->GetFontType() : IPMFont::kUnknownFontType;
-    };
-    EXPECT_EQ(type("NimbusRoman-Regular"), IPMFont::kType1);
-    EXPECT_EQ(type("NimbusSans-Bold"), IPMFont::kOpenTypeCFF);
-    EXPECT_EQ(type("DejaVuSans"), IPMFont::kTrueType);
-    EXPECT_EQ(fonts.QueryFont(PMString("DejaVuSans-Bold")), nullptr); // a substitute is no match
+    faces.link(kType1 + "NimbusRoman-Regular.t1");
+    faces.link(kOpenType + "NimbusSans-Bold.otf");
+    faces.link(kDejaVu + "DejaVuSans.ttf");
+    ASSERT_EQ(fonts().GetFontCount(false, IFontMgr::kAllFonts), 3);
+    for (auto [name, type] : {std::pair{"NimbusRoman-Regular", IPMFont::kType1},
+                              {"NimbusSans-Bold", IPMFont::kOpenTypeCFF},
+                              {"DejaVuSans", IPMFont::kTrueType}}) {
+        IPMFont* font = fonts().QueryFont(PMString(name));
+        EXPECT_EQ(font ? font->GetFontType() : IPMFont::kUnknownFontType, type) << name;
+    }
+    EXPECT_EQ(fonts().QueryFont(PMString("DejaVuSans-Bold")), nullptr); // a substitute is no match
 }
 
 TEST_F(Fontconfig, MissingAgainstInstalledWithNamesAndTypesFromTheRightSide) {
-    world.link(kType1 + "NimbusRoman-Regular.t1");
-    world.link(kOpenType + "NimbusRoman-Regular.otf");
-    world.link(kDejaVu + "DejaVuSerif.ttf");
-    Galley::SessionFontMgr fonts(fontconfig);
-    auto doc = HostTest::openDescribed(dir, fonts, R"(
+    faces.link(kType1 + "NimbusRoman-Regular.t1");
+    faces.link(kOpenType + "NimbusRoman-Regular.otf");
+    faces.link(kDejaVu + "DejaVuSerif.ttf");
+    auto doc = open(R"(
 font "Nimbus Roman" Regular NimbusRoman-Regular OpenTypeCFF
 font "Brand Grotesk" Medium BrandGrotesk-Medium OpenTypeTT
 pstyle Body font="Nimbus Roman" style=Regular
@@ -65,19 +53,18 @@ run font="DejaVu Serif" style=Book text="c"
 }
 
 TEST_F(Fontconfig, FontLinkedWithinTheSameSecondIsSeenAndAnnounced) {
-    world.link(kDejaVu + "DejaVuSans.ttf");
-    Galley::SessionFontMgr fonts(fontconfig);
+    faces.link(kDejaVu + "DejaVuSans.ttf");
     HostTest::RecordingObserver observer;
-    fonts.GetSubject()->AttachObserver(&observer, IID_IFONTMGR);
-    EXPECT_FALSE(fonts.UpdateFontList());
+    fonts().GetSubject()->AttachObserver(&observer, IID_IFONTMGR);
+    EXPECT_FALSE(fonts().UpdateFontList());
 
-    world.link(kOpenType + "C059-Bold.otf"); // right after the load, as an activation would
-    EXPECT_TRUE(fonts.UpdateFontList());
-    EXPECT_EQ(fonts.GetFontCount(true, IFontMgr::kAllFonts), 2);
-    ASSERT_NE(fonts.QueryFont(PMString("C059-Bold")), nullptr);
-    ASSERT_EQ(observer.changes.size(), 1u);
-    EXPECT_EQ(observer.changes[0].first, kFontSystemChangedMessage);
-    fonts.GetSubject()->DetachObserver(&observer, IID_IFONTMGR);
+    faces.link(kOpenType + "C059-Bold.otf"); // right after the load, as an activation would
+    EXPECT_TRUE(fonts().UpdateFontList());
+    EXPECT_EQ(fonts().GetFontCount(true, IFontMgr::kAllFonts), 2);
+    EXPECT_NE(fonts().QueryFont(PMString("C059-Bold")), nullptr);
+    EXPECT_EQ(observer.changes,
+              (decltype(observer.changes){{kFontSystemChangedMessage, IID_IFONTMGR}}));
+    fonts().GetSubject()->DetachObserver(&observer, IID_IFONTMGR);
 }
 
 } // namespace

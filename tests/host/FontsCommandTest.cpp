@@ -1,8 +1,6 @@
 // `galley fonts` as a user runs it: output forms and exit status.
 #include "HostTestSupport.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cstdio>
 #include <sys/wait.h>
@@ -54,9 +52,8 @@ run font="Quote \"Q\" Sans" style=Bold text="b"
 }
 
 TEST_F(FontsCommand, TableAndExitZeroWhenNothingIsMissing) {
-    std::string path = HostTest::writeDescribed(
-        dir, "story\npara font=\"Nimbus Sans\" style=Regular\nrun text=\"a\"\n");
-    Result result = run("fonts " + path);
+    const char* description = "story\npara font=\"Nimbus Sans\" style=Regular\nrun text=a\n";
+    Result result = run("fonts " + HostTest::writeDescribed(dir, description));
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.output.find("Nimbus Sans  Regular  NimbusSans-Regular  Type 1  installed"),
               std::string::npos)

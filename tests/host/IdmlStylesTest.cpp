@@ -1,74 +1,44 @@
 // How a run's face resolves through local attributes and style chains.
 #include "HostTestSupport.h"
 #include "host/document/FontUsage.h"
-#include "host/session/SessionFontMgr.h"
-
-#include <gtest/gtest.h>
-
-using Galley::FontKey;
-using HostTest::runFonts;
 
 namespace {
 
-class StyleResolution : public ::testing::Test {
-protected:
-    HostTest::TempDir dir;
-    HostTest::FixedFaces faces;
-    Galley::SessionFontMgr fonts{faces};
-    std::unique_ptr<Galley::IdmlDocument> open(const std::string& description) {
-        return HostTest::openDescribed(dir, fonts, description);
-    }
-};
+using StyleResolution = HostTest::SessionTest<HostTest::FixedFaces>;
 
-TEST_F(StyleResolution, ParagraphStylesInheritAlongBasedOnChains) {
+// Local attributes (both forms) beat the character style chain, which beats paragraph-level
+// attributes and then the paragraph style chain; with none of them, the application default.
+TEST_F(StyleResolution, RunFacesFollowLocalAttributesThenCharacterThenParagraphChains) {
     auto doc = open(R"(
 pstyle Base font="Nimbus Roman" style=Regular
 pstyle Heading based=Base style=Bold
 pstyle Subheading based=Heading
 pstyle Caption based=Subheading font="DejaVu Sans" props
+cstyle Emph style=Italic
+cstyle Strong based=Emph font="Nimbus Sans" props
 story
 para pstyle=Subheading
 run text="a"
 para pstyle=Caption
 run text="b"
-)");
-    EXPECT_EQ(runFonts(*doc),
-              (std::vector<FontKey>{{"Nimbus Roman", "Bold"}, {"DejaVu Sans", "Bold"}}));
-}
-
-TEST_F(StyleResolution, LocalAttributesBeatStylesInBothForms) {
-    auto doc = open(R"(
-pstyle Body font="Nimbus Roman" style=Regular
-cstyle Emph style=Italic
+para pstyle=Base font="Para Local"
+run text="c"
+run cstyle=Emph text="d"
+run cstyle=Emph style=Bold text="e"
+run cstyle=Emph font="Run Font" style="Bold Italic" props text="f"
+para pstyle=Base font="Ignored" style=Light props
+run cstyle=Strong text="g"
+run text="h"
 story
-para pstyle=Body font="Paragraph Local"
-run text="para-local family, para style face"
-run cstyle=Emph text="character style face over paragraph"
-run cstyle=Emph style=Bold text="attribute override"
-run cstyle=Emph font="Run Font" style="Bold Italic" props text="properties override"
+para
+run text="i"
 )");
-    EXPECT_EQ(runFonts(*doc), (std::vector<FontKey>{{"Paragraph Local", "Regular"},
-                                                    {"Paragraph Local", "Italic"},
-                                                    {"Paragraph Local", "Bold"},
-                                                    {"Run Font", "Bold Italic"}}));
-}
-
-TEST_F(StyleResolution, CharacterStyleChainsComeBeforeParagraphLevel) {
-    auto doc = open(R"(
-pstyle Body font="Nimbus Roman" style=Regular
-cstyle Emph style=Italic
-cstyle Strong based=Emph font="Nimbus Sans" props
-story
-para pstyle=Body font="Ignored Family" props
-run cstyle=Strong text="x"
-)");
-    EXPECT_EQ(runFonts(*doc), (std::vector<FontKey>{{"Nimbus Sans", "Italic"}}));
-}
-
-TEST_F(StyleResolution, TextWithoutAnyFontGetsTheApplicationDefault) {
-    auto doc = open("story\npara\nrun text=\"plain\"\n");
-    EXPECT_EQ(runFonts(*doc),
-              (std::vector<FontKey>{{Galley::kDefaultFontFamily, Galley::kDefaultFontStyle}}));
+    EXPECT_EQ(
+        HostTest::runFonts(*doc),
+        (std::vector<std::string>{
+            "Nimbus Roman/Bold", "DejaVu Sans/Bold", "Para Local/Regular", "Para Local/Italic",
+            "Para Local/Bold", "Run Font/Bold Italic", "Nimbus Sans/Italic", "Ignored/Light",
+            std::string(Galley::kDefaultFontFamily) + "/" + Galley::kDefaultFontStyle}));
 }
 
 TEST_F(StyleResolution, RunsCountCharactersBreaksAndSkipEmptyRanges) {
@@ -81,9 +51,8 @@ TEST_F(StyleResolution, RunsCountCharactersBreaksAndSkipEmptyRanges) {
 }
 
 TEST_F(StyleResolution, DomVersionDecidesWhetherTheDocumentWasConverted) {
-    EXPECT_TRUE(open("dom 6.0\nstory\npara\nrun text=\"a\"\n")->IsConverted());
-    EXPECT_FALSE(open("dom 7.5\nstory\npara\nrun text=\"a\"\n")->IsConverted());
-    EXPECT_FALSE(open("dom 20.0\nstory\npara\nrun text=\"a\"\n")->IsConverted());
+    for (auto [dom, converted] : {std::pair{"6.0", true}, {"7.5", false}, {"20.0", false}})
+        EXPECT_EQ(open("dom " + std::string(dom) + "\nstory\n")->IsConverted(), converted) << dom;
     EXPECT_TRUE(Galley::isConvertedOnOpen(""));
 }
 
