@@ -51,6 +51,15 @@ void SynchEvent::signal() {
     pthread_testcancel();
 }
 
+void SynchEvent::reset() {
+    int oldState;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &oldState);
+    pthread_mutex_lock(&mutex);
+    isSet = false;
+    pthread_mutex_unlock(&mutex);
+    pthread_setcancelstate(oldState, nullptr);
+}
+
 bool SynchEvent::waitFor(unsigned long milliseconds) {
     int oldState;
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &oldState);

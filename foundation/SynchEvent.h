@@ -14,6 +14,8 @@ public:
     SynchEvent& operator=(const SynchEvent&) = delete;
 
     void signal();
+    // Clears the event, so that a manual-reset event can be waited on anew.
+    void reset();
     // Waits up to `milliseconds` for the event; true when it was seen set. Runs with
     // cancellation disabled while the mutex is held, then offers a cancellation point.
     bool waitFor(unsigned long milliseconds);

@@ -53,6 +53,9 @@ bool Thread::start(bool detach, int priority) {
     if (created) {
         destroy();
     }
+    // The start event stays set after a start; a restarted thread must wait for this
+    // start's bookkeeping, not run on the previous signal.
+    startEvent.reset();
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setdetachstate(&attributes,
@@ -91,9 +94,13 @@ bool Thread::destroy() {
     if (!created) {
         return false;
     }
-    if (detached && !running) {
-        // A finished detached thread has reaped itself; its handle may no longer be used.
-        running = false;
+    if (!running) {
+        // run() has returned and the thread is on its way out: it is reaped, not cancelled,
+        // since a cancellation racing the thread's own exit gains nothing. A finished
+        // detached thread has reaped itself, and its handle may no longer be used.
+        if (!detached) {
+            pthread_join(handle, nullptr);
+        }
         created = false;
         return true;
     }
