@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-// Reading desktop entries (Desktop Entry Specification): the [Desktop Entry] group of a
-// key file, string escapes, and the Exec line's quoting and field codes. Pure functions:
-// no file system access, so that every rule can be tested on its own.
+// Reading desktop entries (the freedesktop.org desktop-entry format): the [Desktop Entry]
+// group of a key file, string escapes, and the Exec line's quoting and field codes. Pure
+// functions: no file system access, so that every rule can be tested on its own.
 namespace Platform::Linux::DesktopEntry {
 
 // The unlocalised keys of the [Desktop Entry] group, values as written (not unescaped).

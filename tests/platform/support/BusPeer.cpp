@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -23,9 +24,7 @@ namespace {
 bool quitRequested = false;
 
 int answer(const Platform::AppEvent& event, std::string& reply, void*) {
-    if (event.eventID == "quit") {
-        quitRequested = true;
-    }
+    quitRequested = quitRequested || event.eventID == "quit";
     reply = event.eventClass + "/" + event.eventID + ":" + event.text;
     return Platform::Status::ok;
 }
@@ -34,44 +33,31 @@ int answer(const Platform::AppEvent& event, std::string& reply, void*) {
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr,
-                     "usage: %s NAME [--class CODE]... [--lifetime SECONDS] "
-                     "[--ready-file PATH]\n",
-                     argv[0]);
+        std::fputs("usage: vlm_test_bus_peer NAME [--class CODE]... [--lifetime SECONDS] "
+                   "[--ready-file PATH]\n",
+                   stderr);
         return 2;
     }
-    std::string name = argv[1];
-    std::vector<std::string> classes;
-    int lifetimeSeconds = 120;
-    std::string readyFile;
+    std::map<std::string, std::vector<std::string>> options{{"--class", {}}};
     for (int i = 2; i + 1 < argc; i += 2) {
-        std::string option = argv[i];
-        if (option == "--class") {
-            classes.push_back(argv[i + 1]);
-        } else if (option == "--lifetime") {
-            lifetimeSeconds = std::atoi(argv[i + 1]);
-        } else if (option == "--ready-file") {
-            readyFile = argv[i + 1];
-        }
+        options[argv[i]].push_back(argv[i + 1]);
     }
-    if (classes.empty()) {
-        classes.push_back("VLMQ");
-    }
-
     int status = 0;
-    auto events = Platform::Linux::DBusAppEvents::open(name, status);
+    auto events = Platform::Linux::DBusAppEvents::open(argv[1], status);
     if (!events) {
-        std::fprintf(stderr, "vlm_test_bus_peer: cannot own %s (status %d)\n", name.c_str(),
-                     status);
+        std::fprintf(stderr, "vlm_test_bus_peer: cannot own %s (status %d)\n", argv[1], status);
         return 1;
     }
-    for (const auto& eventClass : classes) {
+    auto& classes = options["--class"];
+    for (const auto& eventClass : classes.empty() ? std::vector<std::string>{"VLMQ"} : classes) {
         events->installHandler(eventClass, Platform::anyEventID, answer, nullptr);
     }
-    if (!readyFile.empty()) {
+    for (const auto& readyFile : options["--ready-file"]) {
         std::ofstream(readyFile) << getpid() << "\n";
     }
-    auto end = std::chrono::steady_clock::now() + std::chrono::seconds(lifetimeSeconds);
+    const auto& lifetime = options["--lifetime"];
+    auto end = std::chrono::steady_clock::now() +
+               std::chrono::seconds(lifetime.empty() ? 120 : std::atoi(lifetime.back().c_str()));
     status = events->runUntil(
         [&] { return quitRequested || std::chrono::steady_clock::now() >= end; }, 100);
     return status == Platform::Status::ok ? 0 : 1;

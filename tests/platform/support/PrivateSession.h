@@ -43,18 +43,16 @@ public:
 
     // A process the test did not start itself (one launched detached, say) that must not
     // outlive the session: it is killed when the session ends.
-    void killLater(pid_t pid) { extraPids_.push_back(pid); }
+    void killLater(pid_t pid) { children_.push_back(pid); }
 
 private:
-    void start();
     void saveAndSet(const char* name, const std::string& value);
 
     std::string root_;
     std::string busAddress_;
     std::string error_;
     pid_t daemonPid_ = -1;
-    std::vector<pid_t> children_;
-    std::vector<pid_t> extraPids_;
+    std::vector<pid_t> children_; // spawned or handed to killLater(); reaped where ours
     std::vector<std::pair<std::string, std::pair<bool, std::string>>> savedEnvironment_;
 };
 
