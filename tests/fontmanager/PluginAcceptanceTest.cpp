@@ -2,7 +2,7 @@
 // (line joining, "&" escaping) and reply parsers, with vellumine's dispatcher answering
 // in memory instead of over the bus.
 #include "FontFixtures.h"
-#include "PluginRecord.h"
+#include "tests/support/FontRecords.h"
 
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
@@ -20,6 +20,7 @@ namespace Vellumine {
 namespace {
 
 using namespace VellumineTest;
+using VLMTest::makeFont;
 
 class PluginAcceptance : public testing::Test {
 protected:
@@ -43,8 +44,8 @@ protected:
 
 TEST_F(PluginAcceptance, FontRequestRepliesMergeIntoTheRecords) {
     VLM::VLMFontRequestEvent request;
-    request.fonts = {record("1", "NimbusRoman-Regular", 0), record("2", "DejaVuSans", 2),
-                     record("3", "Missing-Font")};
+    request.fonts = {makeFont("1", "NimbusRoman-Regular", 0), makeFont("2", "DejaVuSans", 2),
+                     makeFont("3", "Missing-Font")};
     request.build();
     ASSERT_NE(request.send(), nullptr) << request.getResult();
     EXPECT_FALSE(request.showWindow);
@@ -74,7 +75,7 @@ TEST_F(PluginAcceptance, HostileValuesComeBackAsTheyWereSent) {
     VLM::VLMFontRequestEvent request;
     for (const char* syncID : {"a&b", "a<b", "x</cmd>", "]]>", "&amp;", "&lt;", "<![CDATA[x]]>",
                                "a&<b>&c", "<!DOCTYPE x [<!ENTITY e \"boom\">]>&e;"}) {
-        request.fonts.push_back(record(syncID, "NimbusRoman-Regular"));
+        request.fonts.push_back(makeFont(syncID, "NimbusRoman-Regular"));
     }
     request.build();
     ASSERT_NE(request.send(), nullptr) << request.getResult();
@@ -87,7 +88,7 @@ TEST_F(PluginAcceptance, HostileValuesComeBackAsTheyWereSent) {
 TEST_F(PluginAcceptance, ActivationShowAndBuyRepliesPassThePluginsChecks) {
     const auto faces = catalog.facesByPostScriptName("NimbusRoman-Regular");
     VLM::VLMFontActivateEvent activate;
-    activate.fonts = {record("1", "NimbusRoman-Regular")};
+    activate.fonts = {makeFont("1", "NimbusRoman-Regular")};
     activate.fonts[0]->selectedContainerID = std::to_string(faces.at(1).id);
     activate.build();
     activate.send(); // the plug-in never reports a result for activations
@@ -95,14 +96,14 @@ TEST_F(PluginAcceptance, ActivationShowAndBuyRepliesPassThePluginsChecks) {
     EXPECT_TRUE(catalog.face(faces.at(1).id)->active);
 
     VLM::VLMFontInfoEvent show;
-    show.fonts = {record("1", "DejaVuSans")};
+    show.fonts = {makeFont("1", "DejaVuSans")};
     show.build();
     show.send();
     EXPECT_EQ(show.fonts[0]->font.count, 1u);
     EXPECT_EQ(show.fonts[0]->font.type, 1);
 
     VLM::VLMFontBuyEvent buy;
-    buy.fonts = {record("1", "Missing-Font")};
+    buy.fonts = {makeFont("1", "Missing-Font")};
     buy.build();
     EXPECT_NE(buy.send(), nullptr);
     EXPECT_EQ(catalog.windowlessRequests("buy", 5).size(), 1u);
@@ -112,7 +113,7 @@ TEST_F(PluginAcceptance, AnOlderAnnouncedVersionIsRejectedByThePlugin) {
     RequestDispatcher older(catalog, activation, changes, {"1.5", {}});
     answering = &older;
     VLM::VLMFontRequestEvent request;
-    request.fonts = {record("1", "NimbusRoman-Regular")};
+    request.fonts = {makeFont("1", "NimbusRoman-Regular")};
     request.build();
     EXPECT_EQ(request.send(), nullptr);
     EXPECT_EQ(request.getProtocolVersion(), "1.5");

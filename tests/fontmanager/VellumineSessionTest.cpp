@@ -2,8 +2,8 @@
 // desktop entry, launches it, asks about and activates fonts; fontconfig on a private
 // configuration sees the result; vellumine tells the host with VLM4 events.
 #include "FontFixtures.h"
-#include "PluginRecord.h"
 #include "PrivateSession.h"
+#include "tests/support/FontRecords.h"
 
 #include "fontmanager/Catalog.h"
 #include "fontmanager/FaceReader.h"
@@ -28,6 +28,7 @@ namespace Vellumine {
 namespace {
 
 using namespace VellumineTest;
+using VLMTest::makeFont;
 
 int recordEvent(const Platform::AppEvent& event, std::string&, void* refcon) {
     static_cast<std::vector<std::string>*>(refcon)->push_back(event.eventClass + "/" +
@@ -126,8 +127,9 @@ TEST_F(VellumineSession, LaunchedThroughItsDesktopEntryItAnswersAndASecondServer
     launch();
 
     VLM::VLMFontRequestEvent request;
-    request.fonts = {record("present", "NimbusRoman-Regular", 0),
-                     record("absent", "Missing-Bold", 0), record("other type", "DejaVuSans", 2)};
+    request.fonts = {makeFont("present", "NimbusRoman-Regular", 0),
+                     makeFont("absent", "Missing-Bold", 0),
+                     makeFont("other type", "DejaVuSans", 2)};
     request.build();
     ASSERT_NE(request.send(), nullptr) << request.getResult();
     EXPECT_EQ(request.getProtocolVersion(), "2.0");
@@ -148,7 +150,7 @@ TEST_F(VellumineSession, ActivationMakesFontconfigListTheFaceAndTellsTheHost) {
     launch();
     ASSERT_EQ(fontconfigFaces("NimbusRoman-Regular"), 0);
     VLM::VLMFontRequestEvent request;
-    request.fonts = {record("1", "NimbusRoman-Regular", 2)};
+    request.fonts = {makeFont("1", "NimbusRoman-Regular", 2)};
     request.build();
     ASSERT_NE(request.send(), nullptr);
     VLM::VLMFontActivateEvent activate;
@@ -198,7 +200,7 @@ TEST_F(VellumineSession, AnnouncesTheProtocolVersionItIsToldTo) {
     session.spawn({VELLUMINE_EXECUTABLE, "serve", "--protocol-version", "1.5"});
     ASSERT_TRUE(VlmTest::waitFor([&] { return vellumineRuns(); }));
     VLM::VLMFontRequestEvent request;
-    request.fonts = {record("1", "DejaVuSans")};
+    request.fonts = {makeFont("1", "DejaVuSans")};
     request.build();
     EXPECT_EQ(request.send(), nullptr); // the plug-in needs 2.0 or later
     EXPECT_EQ(request.getProtocolVersion(), "1.5");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/FontRecords.h"
+
 #include "link/FontInfo.h"
 #include "link/VLMChangeNotifier.h"
 #include "support/FakePlatform.h"
@@ -18,15 +20,6 @@ class LinkTest : public ::testing::Test {
 protected:
     FakePlatform platform;
 };
-
-inline Tamrik::SmartPointer<VLMFontInfo> makeFont(const std::string& syncID,
-                                                  const std::string& psName, int type = 4) {
-    Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
-    font->font.syncID = syncID;
-    font->font.psName = psName;
-    font->font.type = type;
-    return font;
-}
 
 // A reply as the font manager writes it: "<cmd>NAME</cmd>", the given element lines and
 // a lone "</cmd>", each on its own line.

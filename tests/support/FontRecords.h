@@ -4,11 +4,11 @@
 
 #include <string>
 
-namespace VellumineTest {
+namespace VLMTest {
 
 // The plug-in's record of one font, as the host fills it in before a request.
-inline Tamrik::SmartPointer<VLMFontInfo> record(const std::string& syncID,
-                                                const std::string& psName, int type = 4) {
+inline Tamrik::SmartPointer<VLMFontInfo> makeFont(const std::string& syncID,
+                                                  const std::string& psName, int type = 4) {
     Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
     font->font.syncID = syncID;
     font->font.psName = psName;
@@ -16,4 +16,4 @@ inline Tamrik::SmartPointer<VLMFontInfo> record(const std::string& syncID,
     return font;
 }
 
-} // namespace VellumineTest
+} // namespace VLMTest
