@@ -181,19 +181,13 @@ TEST(XmlParserTest, EntitiesNeitherExpandWithoutLimitNorReadFiles) {
         laughs += "\">";
     }
     laughs += "]><l>&l9;</l>";
-    try {
-        SmartPointer<IXmlParser> parser = parserFor(laughs);
-        EXPECT_LT(parser->getRootNode()->getContent().size(), 10'000'000u);
-    } catch (const Tamrik::Exception& error) {
-        EXPECT_NE(std::string(error.what()).find("not parsed successfully"), std::string::npos);
-    }
+    // libxml2's amplification guard refuses the document before anything is expanded.
+    EXPECT_NE(parseFailure(laughs).find("entity reference loop@libxmlparser:374"),
+              std::string::npos);
 
-    const std::string external = "<?xml version=\"1.0\"?><!DOCTYPE r [<!ENTITY x SYSTEM "
-                                 "\"file:///etc/hostname\">]><r>&x;</r>";
-    try {
-        SmartPointer<IXmlParser> parser = parserFor(external);
-        EXPECT_EQ(parser->getRootNode()->getContent(), "");
-    } catch (const Tamrik::Exception&) {
-        SUCCEED(); // refusing the document is as good as not reading the file
-    }
+    // An external entity is kept as a reference: the file behind it is never read.
+    SmartPointer<IXmlParser> parser =
+        parserFor("<?xml version=\"1.0\"?><!DOCTYPE r [<!ENTITY x SYSTEM "
+                  "\"file:///etc/hostname\">]><r>&x;</r>");
+    EXPECT_EQ(parser->getRootNode()->getContent(), "");
 }
