@@ -223,7 +223,15 @@ int BusCallbacks::onSend(sd_bus_message* message, void* userdata, sd_bus_error* 
 
 namespace {
 
-int newEventCall(sd_bus* bus, const std::string& busName, const AppEvent& event, MessagePtr& call) {
+// The method call that carries `event` to `target`, a signature or a bus name; `busName`
+// receives the name it goes to.
+int newEventCall(sd_bus* bus, const std::string& target, const AppEvent& event, MessagePtr& call,
+                 std::string& busName) {
+    const auto resolved = resolveTarget(target);
+    if (!resolved) {
+        return Status::notRunning;
+    }
+    busName = *resolved;
     sd_bus_message* raw = nullptr;
     int r = sd_bus_message_new_method_call(bus, &raw, busName.c_str(), Wire::objectPath,
                                            Wire::interface, Wire::sendMethod);
@@ -244,12 +252,9 @@ int newEventCall(sd_bus* bus, const std::string& busName, const AppEvent& event,
 
 int DBusAppEvents::send(const std::string& signature, const AppEvent& event, std::string& reply) {
     reply.clear();
-    auto busName = resolveTarget(signature);
-    if (!busName) {
-        return Status::notRunning;
-    }
     MessagePtr call;
-    int status = newEventCall(bus_, *busName, event, call);
+    std::string busName;
+    int status = newEventCall(bus_, signature, event, call, busName);
     if (status != Status::ok) {
         return status;
     }
@@ -275,14 +280,14 @@ bool DBusAppEvents::hasOwner(const std::string& busName) {
 }
 
 int DBusAppEvents::sendNoReply(const std::string& target, const AppEvent& event) {
-    auto busName = resolveTarget(target);
-    if (!busName || !hasOwner(*busName)) {
-        return Status::notRunning;
-    }
     MessagePtr call;
-    int status = newEventCall(bus_, *busName, event, call);
+    std::string busName;
+    int status = newEventCall(bus_, target, event, call, busName);
     if (status != Status::ok) {
         return status;
+    }
+    if (!hasOwner(busName)) {
+        return Status::notRunning;
     }
     if (sd_bus_message_set_expect_reply(call.get(), 0) < 0 ||
         sd_bus_send(bus_, call.get(), nullptr) < 0 || sd_bus_flush(bus_) < 0) {
@@ -292,12 +297,9 @@ int DBusAppEvents::sendNoReply(const std::string& target, const AppEvent& event)
 }
 
 int DBusAppEvents::sendAsync(const std::string& target, const AppEvent& event, ReplyCallback done) {
-    auto busName = resolveTarget(target);
-    if (!busName) {
-        return Status::notRunning;
-    }
     MessagePtr call;
-    int status = newEventCall(bus_, *busName, event, call);
+    std::string busName;
+    int status = newEventCall(bus_, target, event, call, busName);
     if (status != Status::ok) {
         return status;
     }
