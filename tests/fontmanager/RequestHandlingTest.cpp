@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <regex>
 #include <sstream>
 
 namespace Vellumine {
@@ -19,15 +18,19 @@ using namespace VellumineTest;
 // The values of the element lines of one reply, per <font> block (block 0 is the text
 // before the first font).
 std::vector<std::multimap<std::string, std::string>> replyBlocks(const std::string& reply) {
-    static const std::regex element("<(\\w+)>(.*)</\\1>");
     std::vector<std::multimap<std::string, std::string>> blocks(1);
     std::istringstream lines(reply);
-    std::smatch match;
     for (std::string line; std::getline(lines, line);) {
+        const auto open = line.find('>');
         if (line == "<font>") {
             blocks.emplace_back();
-        } else if (std::regex_match(line, match, element)) {
-            blocks.back().emplace(match[1], match[2]);
+        } else if (line.starts_with('<') && open != std::string::npos) {
+            const std::string name = line.substr(1, open - 1);
+            const std::string close = "</" + name + ">";
+            if (line.size() >= open + 1 + close.size() && line.ends_with(close)) {
+                blocks.back().emplace(name,
+                                      line.substr(open + 1, line.size() - open - 1 - close.size()));
+            }
         }
     }
     return blocks;
