@@ -1,6 +1,7 @@
 #include "host/app/FontsCommand.h"
 
 #include "host/app/FontsReport.h"
+#include "host/app/PrintableText.h"
 #include "host/document/IdmlDocument.h"
 #include "host/fonts/FontconfigFontSystem.h"
 #include "host/session/GalleySession.h"
@@ -38,7 +39,7 @@ int runFontsCommand(const std::vector<std::string>& arguments) {
             std::any_of(entries.begin(), entries.end(), [](auto& e) { return e.missing; });
         return missing ? 1 : 0;
     } catch (const std::exception& error) {
-        std::cerr << "galley: " << error.what() << '\n';
+        std::cerr << "galley: " << printableText(error.what()) << '\n';
         return 2;
     }
 }

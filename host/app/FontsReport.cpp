@@ -1,46 +1,14 @@
 #include "host/app/FontsReport.h"
 
+#include "host/app/PrintableText.h"
 #include "host/document/IdmlDocument.h"
 #include "host/fonts/FontTypes.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace Galley {
 
 namespace {
-
-std::string jsonString(const std::string& text) {
-    std::string out = "\"";
-    for (unsigned char c : text) {
-        switch (c) {
-        case '"':
-            out += "\\\"";
-            break;
-        case '\\':
-            out += "\\\\";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        default:
-            if (c < 0x20) {
-                char escaped[8];
-                std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-                out += escaped;
-            } else {
-                out += static_cast<char>(c);
-            }
-        }
-    }
-    return out + "\"";
-}
 
 // Width on screen, counting each UTF-8 sequence as one column.
 std::size_t columns(const std::string& text) {
@@ -69,8 +37,9 @@ std::string formatFontTable(const std::vector<FontReportEntry>& entries) {
     std::vector<std::vector<std::string>> rows{
         {"FAMILY", "STYLE", "POSTSCRIPT NAME", "TYPE", "STATUS"}};
     for (const auto& e : entries)
-        rows.push_back({e.family, e.style, e.postscriptName.empty() ? "-" : e.postscriptName,
-                        e.type, e.missing ? "missing" : "installed"});
+        rows.push_back({printableText(e.family), printableText(e.style),
+                        e.postscriptName.empty() ? "-" : printableText(e.postscriptName), e.type,
+                        e.missing ? "missing" : "installed"});
     std::vector<std::size_t> widths(5, 0);
     for (const auto& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i)

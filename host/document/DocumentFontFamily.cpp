@@ -3,7 +3,6 @@
 #include "host/document/FontResolver.h"
 #include "host/session/InstalledFont.h"
 
-#include <algorithm>
 
 namespace Galley {
 
@@ -36,7 +35,7 @@ IPMFont* DocumentFontFamily::QueryFace(const PMString& faceName) const {
 }
 
 void DocumentFontFamily::addFace(const std::string& face) {
-    if (std::find(faces_.begin(), faces_.end(), face) == faces_.end())
+    if (known_.insert(face).second)
         faces_.push_back(face);
 }
 

@@ -3,6 +3,7 @@
 #include "sdk/IFontFamily.h"
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace Galley {
@@ -32,6 +33,7 @@ private:
     UID uid_;
     std::string name_;
     std::vector<std::string> faces_;
+    std::unordered_set<std::string> known_;
     const FontResolver& resolver_;
 };
 

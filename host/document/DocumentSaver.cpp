@@ -9,6 +9,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <unordered_map>
 #include <unistd.h>
 
 namespace Galley {
@@ -50,26 +53,41 @@ std::vector<CatalogFont> fontsNowUsed(IdmlDocument& document) {
     return fonts;
 }
 
-// The parts to write, mimetype first, with the changed ones replaced.
+// The parts to write, mimetype first, with the changed ones replaced. Unchanged parts are
+// inflated from the package held in memory and written with their original bytes.
 IdmlPackage::Parts partsToWrite(IdmlDocument& document) {
+    const IdmlPackage& package = document.package();
     IdmlPackage::Parts parts;
-    const PackagePart* mimetype = document.package().find(kMimeTypePart);
-    parts.push_back({kMimeTypePart, mimetype ? mimetype->data : kIdmlMimeType});
-    const bool modified = document.IsModified();
-    for (const PackagePart& part : document.package().parts()) {
-        if (part.name == kMimeTypePart)
+    parts.push_back({kMimeTypePart, package.contains(kMimeTypePart)
+                                        ? package.inflate(kMimeTypePart)
+                                        : std::string(kIdmlMimeType)});
+    std::unordered_map<std::string, const Story*> changed;
+    for (const auto& story : document.stories()) {
+        if (story->modified())
+            changed.emplace(story->part(), story.get());
+    }
+    const bool modified = !changed.empty();
+    for (const std::string& name : package.partNames()) {
+        if (name == kMimeTypePart)
             continue;
-        parts.push_back(part);
-        if (!modified)
-            continue;
-        if (part.name == document.designMap().fontsPart)
-            parts.back().data = FontsCatalog::write(fontsNowUsed(document));
-        for (const auto& story : document.stories()) {
-            if (story->modified() && story->part() == part.name)
-                parts.back().data = story->serialize();
-        }
+        auto story = changed.find(name);
+        if (story != changed.end())
+            parts.push_back({name, story->second->serialize()});
+        else if (modified && name == document.designMap().fontsPart)
+            parts.push_back({name, FontsCatalog::write(fontsNowUsed(document), &document.catalog())});
+        else
+            parts.push_back({name, package.inflate(name)});
     }
     return parts;
+}
+
+std::string readWritten(const std::string& path, const std::string& target) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream bytes;
+    bytes << in.rdbuf();
+    if (!in)
+        throw IdmlError(target, "", "cannot read back the written package");
+    return bytes.str();
 }
 
 class TemporaryFile {
@@ -138,12 +156,14 @@ void saveDocumentAs(IdmlDocument& document, const std::string& target, const Sav
     TemporaryFile temporary(target);
     writeZip(temporary.path(), parts, target);
     syncPath(temporary.path(), O_RDONLY);
+    IdmlPackage written = IdmlPackage::fromBytes(target, readWritten(temporary.path(), target),
+                                                 document.package().limits());
     if (::rename(temporary.path().c_str(), target.c_str()) != 0)
         throw IdmlError(target, "",
                         std::string("cannot replace the file: ") + std::strerror(errno));
     temporary.release();
     syncPath(folderOf(target), O_RDONLY | O_DIRECTORY);
-    document.adoptSavedPackage(IdmlPackage::fromParts(target, std::move(parts)));
+    document.adoptSavedPackage(std::move(written));
 }
 
 } // namespace Galley

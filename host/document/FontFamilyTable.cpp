@@ -13,29 +13,24 @@ UID FontFamilyTable::GetFontFamilyUID(const IPMFont* font) {
 }
 
 UID FontFamilyTable::GetFontFamilyUID(const PMString& familyName) const {
-    const std::string name = familyName.GetUTF8String();
-    for (const auto& family : families_) {
-        if (family->name() == name)
-            return family->uid();
-    }
-    return kInvalidUID;
+    auto found = byName_.find(familyName.GetUTF8String());
+    return found == byName_.end() ? kInvalidUID : found->second->uid();
 }
 
 DocumentFontFamily& FontFamilyTable::familyNamed(const std::string& name) {
-    for (const auto& family : families_) {
-        if (family->name() == name)
-            return *family;
-    }
+    auto found = byName_.find(name);
+    if (found != byName_.end())
+        return *found->second;
     families_.push_back(std::make_unique<DocumentFontFamily>(nextUID_(), name, resolver_));
-    return *families_.back();
+    DocumentFontFamily* family = families_.back().get();
+    byName_.emplace(name, family);
+    byUID_.emplace(family->uid(), family);
+    return *family;
 }
 
 DocumentFontFamily* FontFamilyTable::family(UID uid) const {
-    for (const auto& family : families_) {
-        if (family->uid() == uid)
-            return family.get();
-    }
-    return nullptr;
+    auto found = byUID_.find(uid);
+    return found == byUID_.end() ? nullptr : found->second;
 }
 
 } // namespace Galley

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Galley {
@@ -31,6 +32,8 @@ private:
     const FontResolver& resolver_;
     std::function<UID()> nextUID_;
     std::vector<std::unique_ptr<DocumentFontFamily>> families_;
+    std::unordered_map<std::string, DocumentFontFamily*> byName_;
+    std::unordered_map<UID, DocumentFontFamily*> byUID_;
 };
 
 } // namespace Galley

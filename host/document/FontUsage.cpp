@@ -1,9 +1,10 @@
 #include "host/document/FontUsage.h"
 
+#include "host/idml/FontsCatalog.h"
 #include "host/idml/Story.h"
 #include "host/idml/StyleSheet.h"
 
-#include <algorithm>
+#include <unordered_set>
 
 namespace Galley {
 
@@ -14,15 +15,37 @@ FontReference styleFont(const StyleSheet& styles, StyleKind kind, const std::str
     return style ? style->resolved : FontReference{};
 }
 
-FontKey complete(FontReference font) {
+FontKey complete(FontReference font, const StyleSheet& styles) {
+    font.inheritFrom(styles.documentDefaults());
     font.inheritFrom({std::string(kDefaultFontFamily), std::string(kDefaultFontStyle)});
     return {*font.family, *font.style};
 }
 
-void addOnce(std::vector<FontKey>& keys, FontKey key) {
-    if (std::find(keys.begin(), keys.end(), key) == keys.end())
-        keys.push_back(std::move(key));
-}
+// The faces in first-seen order, each once.
+class FaceList {
+public:
+    explicit FaceList(const FontsCatalog& catalog) : catalog_(catalog) {}
+
+    void add(FontKey key) {
+        if (const auto* faces = catalog_.composite(key.family)) {
+            for (const FontKey& face : *faces)
+                addFace(face);
+        } else {
+            addFace(std::move(key));
+        }
+    }
+    std::vector<FontKey> take() { return std::move(keys_); }
+
+private:
+    void addFace(FontKey key) {
+        if (seen_.insert(key.family + '\n' + key.style).second)
+            keys_.push_back(std::move(key));
+    }
+
+    const FontsCatalog& catalog_;
+    std::unordered_set<std::string> seen_;
+    std::vector<FontKey> keys_;
+};
 
 } // namespace
 
@@ -31,15 +54,15 @@ FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles) {
     font.inheritFrom(styleFont(styles, StyleKind::Character, run.characterStyle));
     font.inheritFrom(run.paragraphLocal);
     font.inheritFrom(styleFont(styles, StyleKind::Paragraph, run.paragraphStyle));
-    return complete(std::move(font));
+    return complete(std::move(font), styles);
 }
 
 std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>& stories,
-                                      const StyleSheet& styles) {
-    std::vector<FontKey> keys;
+                                      const StyleSheet& styles, const FontsCatalog& catalog) {
+    FaceList faces(catalog);
     for (const auto& story : stories) {
         for (const StoryRun& run : story->runs())
-            addOnce(keys, resolveRunFont(run, styles));
+            faces.add(resolveRunFont(run, styles));
     }
     for (StyleKind kind : {StyleKind::Paragraph, StyleKind::Character}) {
         for (const TextStyle& style : styles.styles()) {
@@ -47,10 +70,10 @@ std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>&
             bool names = kind == StyleKind::Paragraph ? !style.resolved.empty()
                                                       : style.resolved.family.has_value();
             if (style.kind == kind && names)
-                addOnce(keys, complete(style.resolved));
+                faces.add(complete(style.resolved, styles));
         }
     }
-    return keys;
+    return faces.take();
 }
 
 } // namespace Galley

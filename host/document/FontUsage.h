@@ -7,24 +7,27 @@
 
 namespace Galley {
 
+class FontsCatalog;
 class Story;
 class StyleSheet;
 struct StoryRun;
 
-// The face used when neither the text nor any style names one.
+// The face used when neither the text nor any style, not even a root style, names one.
 inline constexpr const char* kDefaultFontFamily = "Nimbus Roman";
 inline constexpr const char* kDefaultFontStyle = "Regular";
 
 // A run's face: its own attributes, then its character style chain, then the attributes
-// of its paragraph range, then its paragraph style chain, then the application default.
-// Family and face are resolved independently of each other.
+// of its paragraph range, then its paragraph style chain (which ends in the root paragraph
+// style), then the root character style, then the application default. Family and face
+// are resolved independently of each other.
 FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles);
 
 // Every distinct face the document uses, each once: first the faces of the text, in story
 // order and text order, then faces that only styles name, in the order of Styles.xml.
-// A style's face is completed with the default where its chain leaves family or face open;
-// a character style that sets only a face (such as "Italic") names no font by itself.
+// A style's face is completed with the document's and then the application's default where
+// its chain leaves family or face open; a character style that sets only a face (such as
+// "Italic") names no font by itself. A composite font stands for the faces it is made of.
 std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>& stories,
-                                      const StyleSheet& styles);
+                                      const StyleSheet& styles, const FontsCatalog& catalog);
 
 } // namespace Galley

@@ -13,31 +13,33 @@ std::unique_ptr<IdmlDocument> IdmlDocument::open(const std::string& path, Sessio
     std::unique_ptr<IdmlDocument> document(
         new IdmlDocument(IdmlPackage::read(path, limits), fonts));
     IdmlDocument& d = *document;
-    XmlDocPtr designMap = d.parsePart("designmap.xml", true);
+    NodeBudget budget{limits.maxPartNodes, limits.maxTotalNodes};
+    XmlDocPtr designMap = d.parsePart("designmap.xml", true, budget);
     d.designMap_ = DesignMap::parse(path, designMap.get());
-    if (XmlDocPtr fontsXml = d.parsePart(d.designMap_.fontsPart, false))
+    designMap.reset();
+    if (XmlDocPtr fontsXml = d.parsePart(d.designMap_.fontsPart, false, budget))
         d.catalog_ = FontsCatalog::parse(fontsXml.get());
-    if (XmlDocPtr stylesXml = d.parsePart(d.designMap_.stylesPart, false))
+    if (XmlDocPtr stylesXml = d.parsePart(d.designMap_.stylesPart, false, budget))
         d.styles_ = StyleSheet::parse(path, d.designMap_.stylesPart, stylesXml.get());
     for (const std::string& part : d.designMap_.storyParts) {
-        const PackagePart* data = d.package_.find(part);
-        if (!data)
+        if (!d.package_.contains(part))
             throw IdmlError(path, part, "designmap.xml lists this story, but the package lacks it");
-        d.stories_.push_back(std::make_unique<Story>(path, part, data->data, d.styles_));
+        d.stories_.push_back(
+            std::make_unique<Story>(path, part, d.parsePart(part, true, budget), d.styles_));
         d.models_.push_back(std::make_unique<StoryTextModel>(d.nextUID(), *d.stories_.back(), d));
     }
     d.usage_.Update();
     return document;
 }
 
-XmlDocPtr IdmlDocument::parsePart(const std::string& name, bool required) const {
-    const PackagePart* part = package_.find(name);
-    if (!part) {
+XmlDocPtr IdmlDocument::parsePart(const std::string& name, bool required,
+                                  NodeBudget& budget) const {
+    if (!package_.contains(name)) {
         if (required)
             throw IdmlError(package_.path(), name, "the package lacks this part");
         return nullptr;
     }
-    return parseXmlPart(package_.path(), name, part->data);
+    return parseXmlPart(package_.path(), name, package_.inflate(name), &budget);
 }
 
 PMString IdmlDocument::GetName() const {

@@ -25,8 +25,8 @@ class SessionFontMgr;
 // An IDML document open in Galley.
 class IdmlDocument : public IDocument, public IDataBase, public IStoryList, public IWorkspace {
 public:
-    // Reads the whole package. Throws IdmlError naming the file and the part at fault;
-    // nothing is written either way.
+    // Reads the design map, the fonts, the styles and every story once, within `limits`.
+    // Throws IdmlError naming the file and the part at fault; nothing is written either way.
     static std::unique_ptr<IdmlDocument> open(const std::string& path, SessionFontMgr& fonts,
                                               const PackageLimits& limits = {});
 
@@ -54,6 +54,7 @@ public:
     const IdmlPackage& package() const { return package_; }
     const DesignMap& designMap() const { return designMap_; }
     const StyleSheet& styles() const { return styles_; }
+    const FontsCatalog& catalog() const { return catalog_; }
     const FontResolver& resolver() const { return resolver_; }
     FontFamilyTable& families() { return families_; }
     DocumentFontUsage& usage() { return usage_; }
@@ -64,7 +65,7 @@ public:
 
 private:
     IdmlDocument(IdmlPackage package, SessionFontMgr& fonts);
-    XmlDocPtr parsePart(const std::string& name, bool required) const;
+    XmlDocPtr parsePart(const std::string& name, bool required, NodeBudget& budget) const;
     UID nextUID() { return ++lastUID_; }
 
     IdmlPackage package_;

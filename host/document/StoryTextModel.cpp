@@ -42,6 +42,9 @@ const std::vector<StoryTextModel::RunAttributes>& StoryTextModel::attributes() c
         attributes_.clear();
         for (const StoryRun& run : story_.runs()) {
             FontKey key = resolveRunFont(run, document_.styles());
+            // Text in a composite font shows as the composite's first face.
+            if (const auto* faces = document_.catalog().composite(key.family))
+                key = faces->front();
             UID family = document_.families().familyNamed(key.family).uid();
             attributes_.push_back(
                 {FontFamilyAttribute(family), FontFaceAttribute(PMString(key.style))});

@@ -3,6 +3,7 @@
 #include "host/idml/IdmlError.h"
 
 #include <charconv>
+#include <unordered_set>
 
 namespace Galley {
 
@@ -13,12 +14,15 @@ DesignMap DesignMap::parse(const std::string& file, xmlDoc* doc) {
 
     DesignMap map;
     map.domVersion = attribute(root, "DOMVersion").value_or("");
+    std::unordered_set<std::string> listed;
     for (const xmlNode* child = root->children; child; child = child->next) {
         auto source = attribute(child, "src");
         if (!source)
             continue;
-        if (isElement(child, "Story"))
-            map.storyParts.push_back(*source);
+        if (isElement(child, "Story")) {
+            if (listed.insert(*source).second)
+                map.storyParts.push_back(*source);
+        }
         else if (isElement(child, "Fonts"))
             map.fontsPart = *source;
         else if (isElement(child, "Styles"))

@@ -13,7 +13,7 @@ struct DesignMap {
     std::string domVersion; // empty when the document does not state one
     std::string fontsPart = "Resources/Fonts.xml";
     std::string stylesPart = "Resources/Styles.xml";
-    std::vector<std::string> storyParts; // in the document's order
+    std::vector<std::string> storyParts; // in the document's order, each once
 
     static DesignMap parse(const std::string& file, xmlDoc* doc);
 };

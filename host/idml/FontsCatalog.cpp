@@ -1,5 +1,6 @@
 #include "host/idml/FontsCatalog.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -18,7 +19,26 @@ constexpr std::array<std::pair<const char*, IPMFont::FontType>, 8> kIdmlTypes{{
     {"Unknown", IPMFont::kUnknownFontType},
 }};
 
-void walk(const xmlNode* node, std::vector<CatalogFont>& out) {
+std::string faceKey(const std::string& family, const std::string& style) {
+    return family + '\n' + style;
+}
+
+// Composite font entries name their faces with AppliedFont and FontStyle, as attributes or
+// in Properties; an entry without a family is left out.
+std::vector<FontKey> compositeFaces(const xmlNode* composite) {
+    std::vector<FontKey> faces;
+    for (const xmlNode* entry = composite->children; entry; entry = entry->next) {
+        if (!isElement(entry, "CompositeFontEntry"))
+            continue;
+        auto family = property(entry, "AppliedFont");
+        if (family && !family->empty())
+            faces.push_back({*family, property(entry, "FontStyle").value_or("Regular")});
+    }
+    return faces;
+}
+
+void walk(const xmlNode* node, std::vector<CatalogFont>& out,
+          std::unordered_map<std::string, std::vector<FontKey>>& composites) {
     for (const xmlNode* child = node->children; child; child = child->next) {
         if (child->type != XML_ELEMENT_NODE)
             continue;
@@ -31,8 +51,13 @@ void walk(const xmlNode* node, std::vector<CatalogFont>& out) {
             if (font.family.empty())
                 font.family = attribute(node, "Name").value_or("");
             out.push_back(std::move(font));
+        } else if (isElement(child, "CompositeFont")) {
+            auto name = attribute(child, "Name");
+            auto faces = compositeFaces(child);
+            if (name && !faces.empty())
+                composites.emplace(*name, std::move(faces));
         } else {
-            walk(child, out);
+            walk(child, out, composites);
         }
     }
 }
@@ -56,6 +81,12 @@ std::string escape(const std::string& text) {
         case '\t':
             out += "&#9;";
             break;
+        case '\n':
+            out += "&#10;";
+            break;
+        case '\r':
+            out += "&#13;";
+            break;
         default:
             out += c;
         }
@@ -67,36 +98,40 @@ std::string escape(const std::string& text) {
 
 FontsCatalog FontsCatalog::parse(xmlDoc* doc) {
     FontsCatalog catalog;
-    walk(xmlDocGetRootElement(doc), catalog.fonts_);
+    walk(xmlDocGetRootElement(doc), catalog.fonts_, catalog.composites_);
+    for (std::size_t i = 0; i < catalog.fonts_.size(); ++i)
+        catalog.index_.emplace(faceKey(catalog.fonts_[i].family, catalog.fonts_[i].style), i);
     return catalog;
 }
 
 const CatalogFont* FontsCatalog::find(const std::string& family, const std::string& style) const {
-    for (const auto& font : fonts_) {
-        if (font.family == family && font.style == style)
-            return &font;
-    }
-    return nullptr;
+    auto found = index_.find(faceKey(family, style));
+    return found == index_.end() ? nullptr : &fonts_[found->second];
 }
 
-std::string FontsCatalog::write(const std::vector<CatalogFont>& fonts) {
+const std::vector<FontKey>* FontsCatalog::composite(const std::string& name) const {
+    auto found = composites_.find(name);
+    return found == composites_.end() ? nullptr : &found->second;
+}
+
+std::string FontsCatalog::write(const std::vector<CatalogFont>& fonts,
+                                const FontsCatalog* keepComposites) {
     std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
                       "<idPkg:Fonts xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/"
                       "packaging\" DOMVersion=\"8.0\">\n";
     std::vector<std::string> families;
+    std::unordered_map<std::string, std::vector<const CatalogFont*>> faces;
     for (const auto& font : fonts) {
-        bool seen = false;
-        for (const auto& family : families)
-            seen = seen || family == font.family;
-        if (!seen)
+        auto& list = faces[font.family];
+        if (list.empty())
             families.push_back(font.family);
+        list.push_back(&font);
     }
     for (std::size_t f = 0; f < families.size(); ++f) {
         std::string familyId = "dFontFamily" + std::to_string(f + 1);
         xml += "\t<FontFamily Self=\"" + familyId + "\" Name=\"" + escape(families[f]) + "\">\n";
-        for (const auto& font : fonts) {
-            if (font.family != families[f])
-                continue;
+        for (const CatalogFont* face : faces[families[f]]) {
+            const CatalogFont& font = *face;
             xml += "\t\t<Font Self=\"" + familyId + "Font" + escape(font.style) +
                    "\" FontFamily=\"" + escape(font.family) + "\" Name=\"" +
                    escape(font.family + "\t" + font.style) + "\" PostScriptName=\"" +
@@ -105,7 +140,29 @@ std::string FontsCatalog::write(const std::vector<CatalogFont>& fonts) {
         }
         xml += "\t</FontFamily>\n";
     }
+    if (keepComposites)
+        xml += keepComposites->writeComposites();
     xml += "</idPkg:Fonts>\n";
+    return xml;
+}
+
+// The composite fonts with the faces they name; their other settings are not kept.
+std::string FontsCatalog::writeComposites() const {
+    std::vector<const std::string*> names;
+    for (const auto& [name, faces] : composites_)
+        names.push_back(&name);
+    std::sort(names.begin(), names.end(), [](auto* a, auto* b) { return *a < *b; });
+    std::string xml;
+    for (std::size_t c = 0; c < names.size(); ++c) {
+        std::string self = "dCompositeFont" + std::to_string(c + 1);
+        xml += "\t<CompositeFont Self=\"" + self + "\" Name=\"" + escape(*names[c]) + "\">\n";
+        const auto& faces = composites_.at(*names[c]);
+        for (std::size_t e = 0; e < faces.size(); ++e)
+            xml += "\t\t<CompositeFontEntry Self=\"" + self + "Entry" + std::to_string(e) +
+                   "\" AppliedFont=\"" + escape(faces[e].family) + "\" FontStyle=\"" +
+                   escape(faces[e].style) + "\"/>\n";
+        xml += "\t</CompositeFont>\n";
+    }
     return xml;
 }
 

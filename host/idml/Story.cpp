@@ -85,22 +85,41 @@ void setProperty(xmlNode* range, const char* name, const std::string& value) {
 
 Story::Story(const std::string& file, std::string part, const std::string& data,
              const StyleSheet& styles)
-    : file_(file), part_(std::move(part)), styles_(&styles), doc_(parseXmlPart(file, part_, data)) {
+    : Story(file, part, parseXmlPart(file, part, data), styles) {}
+
+Story::Story(const std::string& file, std::string part, XmlDocPtr doc, const StyleSheet& styles)
+    : file_(file), part_(std::move(part)), styles_(&styles), doc_(std::move(doc)) {
     rebuildRuns();
 }
 
 void Story::rebuildRuns() {
     runs_.clear();
     length_ = 0;
-    collectRuns(xmlDocGetRootElement(doc_.get()), nullptr);
+    collectRuns(xmlDocGetRootElement(doc_.get()), Paragraph{});
 }
 
-void Story::collectRuns(xmlNode* node, const xmlNode* paragraph) {
+Story::Paragraph Story::readParagraph(const xmlNode* range) const {
+    Paragraph paragraph{attribute(range, "AppliedParagraphStyle").value_or(""), localFont(range)};
+    checkStyle(StyleKind::Paragraph, paragraph.style);
+    return paragraph;
+}
+
+void Story::checkStyle(StyleKind kind, const std::string& reference) const {
+    if (styles_->find(kind, reference) || StyleSheet::isBuiltInEmptyStyle(reference))
+        return;
+    throw IdmlError(file_, part_,
+                    std::string("text uses ") +
+                        (kind == StyleKind::Paragraph ? "paragraph" : "character") + " style \"" +
+                        reference + "\", which the document lacks");
+}
+
+// A paragraph's style and attributes are read once, however many ranges it holds.
+void Story::collectRuns(xmlNode* node, const Paragraph& paragraph) {
     for (xmlNode* child = node->children; child; child = child->next) {
         if (child->type != XML_ELEMENT_NODE)
             continue;
         if (isElement(child, "ParagraphStyleRange")) {
-            collectRuns(child, child);
+            collectRuns(child, readParagraph(child));
             continue;
         }
         if (!isElement(child, "CharacterStyleRange")) {
@@ -112,22 +131,11 @@ void Story::collectRuns(xmlNode* node, const xmlNode* paragraph) {
         run.start = length_;
         for (const xmlNode* item = child->children; item; item = item->next)
             run.length += characterCount(item);
-        if (paragraph) {
-            run.paragraphStyle = attribute(paragraph, "AppliedParagraphStyle").value_or("");
-            run.paragraphLocal = localFont(paragraph);
-        }
+        run.paragraphStyle = paragraph.style;
+        run.paragraphLocal = paragraph.local;
         run.characterStyle = attribute(child, "AppliedCharacterStyle").value_or("");
         run.characterLocal = localFont(child);
-        if (!styles_->find(StyleKind::Paragraph, run.paragraphStyle) &&
-            !StyleSheet::isBuiltInEmptyStyle(run.paragraphStyle))
-            throw IdmlError(file_, part_,
-                            "text uses paragraph style \"" + run.paragraphStyle +
-                                "\", which the document lacks");
-        if (!styles_->find(StyleKind::Character, run.characterStyle) &&
-            !StyleSheet::isBuiltInEmptyStyle(run.characterStyle))
-            throw IdmlError(file_, part_,
-                            "text uses character style \"" + run.characterStyle +
-                                "\", which the document lacks");
+        checkStyle(StyleKind::Character, run.characterStyle);
         length_ += run.length;
         if (run.length > 0)
             runs_.push_back(std::move(run));

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "host/idml/FontReference.h"
+#include "host/idml/StyleSheet.h"
 #include "host/idml/XmlPart.h"
 
 #include <string>
 #include <vector>
 
 namespace Galley {
-
-class StyleSheet;
 
 // A stretch of a story's text in one CharacterStyleRange, with the formatting that applies
 // to it at each level.
@@ -23,12 +22,16 @@ struct StoryRun {
 };
 
 // One Stories/*.xml part. Characters are counted as code points of <Content>, plus one for
-// each <Br/> and each special-character instruction; empty ranges form no run.
+// each <Br/> and each special-character instruction; empty ranges form no run. Ranges are
+// found at any depth: inside XML elements, table cells, notes and footnotes, each nested
+// ParagraphStyleRange starting its own paragraph.
 class Story {
 public:
     // Throws IdmlError naming `file` and `part` for malformed XML or a style the sheet lacks.
     Story(const std::string& file, std::string part, const std::string& data,
           const StyleSheet& styles);
+    // A story over a part already parsed.
+    Story(const std::string& file, std::string part, XmlDocPtr doc, const StyleSheet& styles);
 
     const std::string& part() const { return part_; }
     const std::vector<StoryRun>& runs() const { return runs_; }
@@ -45,7 +48,13 @@ public:
 
 private:
     void rebuildRuns();
-    void collectRuns(xmlNode* node, const xmlNode* paragraph);
+    struct Paragraph {
+        std::string style;
+        FontReference local;
+    };
+    Paragraph readParagraph(const xmlNode* range) const;
+    void collectRuns(xmlNode* node, const Paragraph& paragraph);
+    void checkStyle(StyleKind kind, const std::string& reference) const;
     void splitAt(int position);
 
     std::string file_;

@@ -2,6 +2,7 @@
 
 #include <libxml/tree.h>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,15 +14,28 @@ struct XmlDocFree {
 };
 using XmlDocPtr = std::unique_ptr<xmlDoc, XmlDocFree>;
 
-// Parses one part of a package. Never reaches the network, never expands entities, and
-// keeps libxml2's nesting limit, so a hostile part fails with a message instead of a hang.
+// How many nodes (elements, attributes, text, comments, processing instructions) the parts
+// of one package may hold. Bytes alone do not bound memory: four bytes of "<a/>" cost a
+// tree node of well over a hundred bytes.
+struct NodeBudget {
+    std::size_t maxPartNodes = 0;
+    std::size_t maxTotalNodes = 0;
+    std::size_t usedNodes = 0; // by the parts parsed so far
+};
+
+// Parses one part of a package. Never reaches the network and refuses any document type
+// declaration, so no entity can be declared and none is ever expanded. With a budget, the
+// parse stops as soon as the part or the package holds too many nodes. Keeps libxml2's
+// nesting limit, so a hostile part fails with a message instead of a hang.
 // Throws IdmlError naming `file` and `part`.
-XmlDocPtr parseXmlPart(const std::string& file, const std::string& part, const std::string& data);
+XmlDocPtr parseXmlPart(const std::string& file, const std::string& part, const std::string& data,
+                       NodeBudget* budget = nullptr);
 
 // Serialises a part that was changed, with its XML declaration, as UTF-8.
 std::string serializeXmlPart(xmlDoc* doc);
 
-// Small readers for element trees.
+// Small readers for element trees. Values are read as the parser left them: text and
+// character data only, never through an entity.
 std::string nodeName(const xmlNode* node);
 bool isElement(const xmlNode* node, const char* name);
 std::optional<std::string> attribute(const xmlNode* node, const char* name);

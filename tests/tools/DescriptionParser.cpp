@@ -39,14 +39,14 @@ std::vector<std::string> words(const std::string& line, int number) {
     return out;
 }
 
-// key=value words, and "props" on its own.
+// key=value words, and the flags "props" and "refs" on their own.
 using Options = std::map<std::string, std::string>;
 
 Options options(const std::vector<std::string>& list, std::size_t from, int number) {
     Options result;
     for (std::size_t i = from; i < list.size(); ++i) {
         auto eq = list[i].find('=');
-        if (eq == std::string::npos && list[i] != "props")
+        if (eq == std::string::npos && list[i] != "props" && list[i] != "refs")
             fail(number, "expected key=value, got \"" + list[i] + "\"");
         result[list[i].substr(0, eq)] = eq == std::string::npos ? "" : list[i].substr(eq + 1);
     }
@@ -60,6 +60,29 @@ std::optional<std::string> get(const Options& o, const char* key) {
 
 FontAttrs fontAttrs(const Options& o) {
     return {get(o, "font"), get(o, "style"), o.count("props") > 0};
+}
+
+Container container(const Options& o, int number) {
+    static const std::map<std::string, Container> names{{"table", Container::Table},
+                                                        {"footnote", Container::Footnote},
+                                                        {"note", Container::Note},
+                                                        {"anchored", Container::Anchored}};
+    auto in = get(o, "in");
+    if (!in)
+        return Container::None;
+    auto found = names.find(*in);
+    if (found == names.end())
+        fail(number, "unknown container \"" + *in + "\"");
+    return found->second;
+}
+
+StyleDef style(const std::vector<std::string>& w, int number) {
+    Options o = options(w, 2, number);
+    auto basedBy = get(o, "basedby").value_or("self");
+    if (basedBy != "self" && basedBy != "name")
+        fail(number, "basedby is \"self\" or \"name\"");
+    return {w[1], get(o, "based").value_or(""), fontAttrs(o), get(o, "group").value_or(""),
+            basedBy == "name"};
 }
 
 } // namespace
@@ -77,10 +100,17 @@ DocumentDef parseDescription(const std::string& text) {
             d.domVersion = w[1];
         } else if (verb == "font" && w.size() == 5) {
             d.fonts.push_back({w[1], w[2], w[3], w[4]});
+        } else if (verb == "exported" && w.size() == 1) {
+            d.exported = true;
+        } else if (verb == "composite" && w.size() >= 4 && w.size() % 2 == 0) {
+            CompositeDef composite{w[1], {}};
+            for (std::size_t i = 2; i < w.size(); i += 2)
+                composite.faces.emplace_back(w[i], w[i + 1]);
+            d.composites.push_back(composite);
+        } else if (verb == "proot" || verb == "croot") {
+            (verb == "proot" ? d.rootParagraph : d.rootCharacter) = fontAttrs(options(w, 1, number));
         } else if ((verb == "pstyle" || verb == "cstyle") && w.size() >= 2) {
-            Options o = options(w, 2, number);
-            StyleDef style{w[1], get(o, "based").value_or(""), fontAttrs(o)};
-            (verb == "pstyle" ? d.paragraphStyles : d.characterStyles).push_back(style);
+            (verb == "pstyle" ? d.paragraphStyles : d.characterStyles).push_back(style(w, number));
         } else if (verb == "story" && w.size() == 1) {
             d.stories.emplace_back();
         } else if (verb == "para") {
@@ -88,13 +118,16 @@ DocumentDef parseDescription(const std::string& text) {
                 fail(number, "\"para\" before any \"story\"");
             Options o = options(w, 1, number);
             d.stories.back().paragraphs.push_back(
-                {get(o, "pstyle").value_or(""), fontAttrs(o), {}});
+                {get(o, "pstyle").value_or(""), fontAttrs(o), {}, get(o, "in") == "xml"});
         } else if (verb == "run") {
             if (d.stories.empty() || d.stories.back().paragraphs.empty())
                 fail(number, "\"run\" before any \"para\"");
             Options o = options(w, 1, number);
+            auto ace = get(o, "ace");
             d.stories.back().paragraphs.back().runs.push_back(
-                {get(o, "cstyle").value_or(""), fontAttrs(o), get(o, "text").value_or("")});
+                {get(o, "cstyle").value_or(""), fontAttrs(o), get(o, "text").value_or(""),
+                 container(o, number), get(o, "pstyle").value_or(""),
+                 ace ? std::stoi(*ace) : -1, o.count("refs") > 0});
         } else {
             fail(number, "cannot read \"" + line + "\"");
         }

@@ -3,6 +3,7 @@
 #include <zip.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <stdexcept>
 
 namespace IdmlTestKit {
@@ -31,9 +32,18 @@ std::string attr(const std::string& name, const std::string& value) {
     return " " + name + "=\"" + escape(value) + "\"";
 }
 
+// What exporting applications write beside the fonts, which a reader must step over.
+const char* kStyleNoise = " Imported=\"false\" KeyboardShortcut=\"0 0\" PointSize=\"11\"";
+const char* kStyleNoiseProperties =
+    "<Leading type=\"unit\">14</Leading><TabList type=\"list\"></TabList>";
+const char* kRangeNoise = " PointSize=\"11\" Tracking=\"0\"";
+const char* kRangeNoiseProperties = "<Leading type=\"enumeration\">Auto</Leading>";
+
 // Attributes of the opening tag, and the <Properties> child, for a formatting level.
-std::pair<std::string, std::string> fontMarkup(const FontAttrs& attrs, const std::string& basedOn) {
-    std::string attributes, properties;
+// `basedOn` is written as given; `byName` marks it as a Name (a string) rather than a Self.
+std::pair<std::string, std::string> fontMarkup(const FontAttrs& attrs, const std::string& basedOn,
+                                               bool byName = false, bool noise = false) {
+    std::string attributes, properties = noise ? kStyleNoiseProperties : "";
     if (attrs.inProperties) {
         if (attrs.font)
             properties += "<AppliedFont type=\"string\">" + escape(*attrs.font) + "</AppliedFont>";
@@ -46,14 +56,17 @@ std::pair<std::string, std::string> fontMarkup(const FontAttrs& attrs, const std
             attributes += attr("FontStyle", *attrs.style);
     }
     if (!basedOn.empty())
-        properties += "<BasedOn type=\"object\">" + escape(basedOn) + "</BasedOn>";
+        properties += std::string("<BasedOn type=\"") + (byName ? "string" : "object") + "\">" +
+                      escape(basedOn) + "</BasedOn>";
     return {attributes, properties.empty() ? "" : "<Properties>" + properties + "</Properties>"};
 }
 
 std::string element(const std::string& name, const std::string& self, const std::string& label,
-                    const FontAttrs& attrs, const std::string& basedOn) {
-    auto [attributes, properties] = fontMarkup(attrs, basedOn);
-    std::string open = "\t\t<" + name + attr("Self", self) + attr("Name", label) + attributes;
+                    const FontAttrs& attrs, const std::string& basedOn, bool byName,
+                    bool noise) {
+    auto [attributes, properties] = fontMarkup(attrs, basedOn, byName, noise);
+    std::string open = "\t\t<" + name + attr("Self", self) + attr("Name", label) + attributes +
+                       (noise ? kStyleNoise : "");
     return properties.empty() ? open + "/>\n" : open + ">" + properties + "</" + name + ">\n";
 }
 
@@ -63,22 +76,61 @@ std::string partStart(const std::string& root, const DocumentDef& d) {
            attr("DOMVersion", d.domVersion);
 }
 
+std::string rootName(const std::string& kind) {
+    return kind == "Paragraph" ? "$ID/[No paragraph style]" : "$ID/[No character style]";
+}
+
+// The Self of a style, "ParagraphStyle/Group%3aName" inside a group.
+std::string styleSelf(const std::string& kind, const std::vector<StyleDef>& styles,
+                      const std::string& name) {
+    if (name.empty())
+        return kind + "Style/" + rootName(kind);
+    for (const auto& style : styles) {
+        if (style.name == name && !style.group.empty())
+            return kind + "Style/" + style.group + "%3a" + name;
+    }
+    return kind + "Style/" + name;
+}
+
+// One kind's styles: the root first, then the styles of the root group, then each group.
+std::string styleGroupXml(const std::string& kind, const FontAttrs& root,
+                          const std::vector<StyleDef>& styles, const DocumentDef& d) {
+    auto styleXml = [&](const StyleDef& s) {
+        std::string parent;
+        if (!s.basedOn.empty())
+            parent = s.basedByName ? s.basedOn : styleSelf(kind, styles, s.basedOn);
+        else if (kind == "Paragraph")
+            parent = rootName(kind);
+        return element(kind + "Style", styleSelf(kind, styles, s.name), s.name, s.attrs, parent,
+                       s.basedByName, d.exported);
+    };
+    std::string xml = element(kind + "Style", kind + "Style/" + rootName(kind), rootName(kind),
+                              root, "", false, d.exported);
+    std::vector<std::string> groups;
+    for (const auto& s : styles) {
+        if (s.group.empty())
+            xml += styleXml(s);
+        else if (std::find(groups.begin(), groups.end(), s.group) == groups.end())
+            groups.push_back(s.group);
+    }
+    for (const auto& group : groups) {
+        xml += "\t\t<" + kind + "StyleGroup" + attr("Self", kind + "StyleGroup/" + group) +
+               attr("Name", group) + ">\n";
+        for (const auto& s : styles) {
+            if (s.group == group)
+                xml += "\t" + styleXml(s);
+        }
+        xml += "\t\t</" + kind + "StyleGroup>\n";
+    }
+    return xml;
+}
+
 std::string stylesXml(const DocumentDef& d) {
-    std::string xml =
-        partStart("idPkg:Styles", d) + ">\n\t<RootCharacterStyleGroup Self=\"u79\">\n";
-    xml += "\t\t<CharacterStyle Self=\"CharacterStyle/$ID/[No character style]\" Name=\"$ID/[No "
-           "character style]\"/>\n";
-    for (const auto& s : d.characterStyles)
-        xml += element("CharacterStyle", "CharacterStyle/" + s.name, s.name, s.attrs,
-                       s.basedOn.empty() ? "" : "CharacterStyle/" + s.basedOn);
-    xml += "\t</RootCharacterStyleGroup>\n\t<RootParagraphStyleGroup Self=\"u78\">\n";
-    xml += "\t\t<ParagraphStyle Self=\"ParagraphStyle/$ID/[No paragraph style]\" Name=\"$ID/[No "
-           "paragraph style]\"/>\n";
-    for (const auto& s : d.paragraphStyles)
-        xml +=
-            element("ParagraphStyle", "ParagraphStyle/" + s.name, s.name, s.attrs,
-                    s.basedOn.empty() ? "$ID/[No paragraph style]" : "ParagraphStyle/" + s.basedOn);
-    return xml + "\t</RootParagraphStyleGroup>\n</idPkg:Styles>\n";
+    return partStart("idPkg:Styles", d) + ">\n\t<RootCharacterStyleGroup Self=\"u79\">\n" +
+           styleGroupXml("Character", d.rootCharacter, d.characterStyles, d) +
+           "\t</RootCharacterStyleGroup>\n\t<RootParagraphStyleGroup Self=\"u78\">\n" +
+           styleGroupXml("Paragraph", d.rootParagraph, d.paragraphStyles, d) +
+           "\t</RootParagraphStyleGroup>\n</idPkg:Styles>\n";
 }
 
 std::string fontsXml(const DocumentDef& d) {
@@ -92,16 +144,49 @@ std::string fontsXml(const DocumentDef& d) {
                " Status=\"Installed\"" + attr("FontStyleName", f.style) + attr("FontType", f.type) +
                "/>\n\t</FontFamily>\n";
     }
+    for (std::size_t c = 0; c < d.composites.size(); ++c) {
+        const CompositeDef& composite = d.composites[c];
+        std::string self = "CompositeFont/c" + std::to_string(c + 1);
+        xml += "\t<CompositeFont" + attr("Self", self) + attr("Name", composite.name) + ">\n";
+        for (std::size_t e = 0; e < composite.faces.size(); ++e)
+            xml += "\t\t<CompositeFontEntry" + attr("Self", self + "e" + std::to_string(e)) +
+                   attr("Name", e ? "$ID/Alphabetic" : "$ID/Kanji") + " RelativeSize=\"100\"" +
+                   attr("AppliedFont", composite.faces[e].first) +
+                   attr("FontStyle", composite.faces[e].second) + "/>\n";
+        xml += "\t</CompositeFont>\n";
+    }
     return xml + "</idPkg:Fonts>\n";
 }
 
+// Every character outside ASCII, and '&', as a numeric character reference.
+std::string withReferences(const std::string& text) {
+    std::string xml;
+    for (std::size_t i = 0; i < text.size();) {
+        unsigned char lead = static_cast<unsigned char>(text[i]);
+        std::size_t length = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+        if (length == 1 && lead != '&') {
+            xml += escape(std::string(1, text[i]));
+        } else {
+            unsigned long code = length == 1 ? lead : lead & (0x7F >> length);
+            for (std::size_t k = 1; k < length; ++k)
+                code = (code << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
+            char reference[16];
+            std::snprintf(reference, sizeof reference, "&#x%lX;", code);
+            xml += reference;
+        }
+        i += length;
+    }
+    return xml;
+}
+
 // Text as <Content> elements, with <Br/> for each line break.
-std::string content(const std::string& text) {
+std::string content(const std::string& text, bool references) {
     std::string xml;
     for (std::size_t from = 0, end; from <= text.size(); from = end + 1) {
         end = std::min(text.find('\n', from), text.size());
+        std::string piece = text.substr(from, end - from);
         if (end > from)
-            xml += "<Content>" + escape(text.substr(from, end - from)) + "</Content>";
+            xml += "<Content>" + (references ? withReferences(piece) : escape(piece)) + "</Content>";
         if (end < text.size())
             xml += "<Br/>";
     }
@@ -109,36 +194,111 @@ std::string content(const std::string& text) {
 }
 
 // The opening tag of a Paragraph or Character style range, and its <Properties>.
-std::string rangeStart(const std::string& kind, const std::string& style, const FontAttrs& attrs) {
+std::string rangeStart(const std::string& kind, const std::string& style, const FontAttrs& attrs,
+                       const DocumentDef& d) {
     auto [attributes, properties] = fontMarkup(attrs, "");
-    std::string none =
-        kind == "Paragraph" ? "$ID/[No paragraph style]" : "$ID/[No character style]";
+    if (d.exported)
+        properties = properties.empty()
+                         ? std::string("<Properties>") + kRangeNoiseProperties + "</Properties>"
+                         : "<Properties>" + std::string(kRangeNoiseProperties) + properties.substr(12);
+    const auto& styles = kind == "Paragraph" ? d.paragraphStyles : d.characterStyles;
     return "<" + kind + "StyleRange" +
-           attr("Applied" + kind + "Style", kind + "Style/" + (style.empty() ? none : style)) +
-           attributes + ">" + properties;
+           attr("Applied" + kind + "Style", styleSelf(kind, styles, style)) + attributes +
+           (d.exported ? kRangeNoise : "") + ">" + properties;
 }
 
-std::string storyXml(const DocumentDef& d, std::size_t index) {
-    std::string xml = partStart("idPkg:Story", d) + ">\n\t<Story" +
-                      attr("Self", "u" + std::to_string(index + 1)) + ">\n";
-    for (const auto& p : d.stories[index].paragraphs) {
-        xml += "\t\t" + rangeStart("Paragraph", p.paragraphStyle, p.attrs) + "\n";
+std::string runXml(const RunDef& r, const DocumentDef& d) {
+    std::string special =
+        r.specialCharacter >= 0 ? "<?ACE " + std::to_string(r.specialCharacter) + "?>" : "";
+    return rangeStart("Character", r.characterStyle, r.attrs, d) + special +
+           content(r.text, r.characterReferences) + "</CharacterStyleRange>";
+}
+
+// A run in a container: a range of the paragraph holding the container, which holds a
+// paragraph of its own with the run.
+std::string containedRunXml(const RunDef& r, const DocumentDef& d, std::size_t number) {
+    const std::string id = std::to_string(number);
+    std::string inner = rangeStart("Paragraph", r.innerParagraphStyle, {}, d) + runXml(r, d) +
+                        "</ParagraphStyleRange>";
+    std::string holder;
+    switch (r.container) {
+    case Container::Table:
+        holder = "<Table Self=\"tb" + id +
+                 "\" BodyRowCount=\"1\" ColumnCount=\"1\"><Row Self=\"tb" + id +
+                 "r0\" Name=\"0\"/><Column Self=\"tb" + id + "c0\" Name=\"0\"/><Cell Self=\"tb" +
+                 id + "i0\" Name=\"0:0\" RowSpan=\"1\" ColumnSpan=\"1\">" + inner +
+                 "</Cell></Table>";
+        break;
+    case Container::Footnote:
+        holder = "<Footnote Self=\"fn" + id + "\">" + inner + "</Footnote>";
+        break;
+    case Container::Note:
+        holder = "<Note Self=\"n" + id + "\" Collapsed=\"false\">" + inner + "</Note>";
+        break;
+    case Container::Anchored:
+        holder = "<TextFrame Self=\"tf" + id + "\"" +
+                 attr("ParentStory", "u" + std::to_string(r.anchoredStory + 1)) +
+                 " ContentType=\"TextType\"><Properties><PathGeometry/></Properties>"
+                 "<AnchoredObjectSetting AnchoredPosition=\"InlinePosition\"/></TextFrame>";
+        break;
+    case Container::None:
+        break;
+    }
+    return rangeStart("Character", "", {}, d) + holder + "</CharacterStyleRange>";
+}
+
+std::string storyXml(const DocumentDef& d, const StoryDef& story, std::size_t index) {
+    std::string xml = partStart("idPkg:Story", d) + ">\n";
+    if (d.exported)
+        xml += "\t<?aid story=\"exported\"?>\n";
+    xml += "\t<Story" + attr("Self", "u" + std::to_string(index + 1)) + ">\n";
+    if (d.exported)
+        xml += "\t\t<StoryPreference OpticalMarginAlignment=\"false\"/>\n"
+               "\t\t<InCopyExportOption IncludeGraphicProxies=\"true\"/>\n";
+    std::size_t containers = 0;
+    for (const auto& p : story.paragraphs) {
+        std::string paragraph = rangeStart("Paragraph", p.paragraphStyle, p.attrs, d) + "\n";
         for (const auto& r : p.runs)
-            xml += "\t\t\t" + rangeStart("Character", r.characterStyle, r.attrs) + content(r.text) +
-                   "</CharacterStyleRange>\n";
-        xml += "\t\t</ParagraphStyleRange>\n";
+            paragraph += "\t\t\t" +
+                         (r.container == Container::None
+                              ? runXml(r, d)
+                              : containedRunXml(r, d, index * 1000 + ++containers)) +
+                         "\n";
+        paragraph += "\t\t</ParagraphStyleRange>";
+        if (p.inXmlElement)
+            paragraph = "<XMLElement Self=\"x" + std::to_string(index) +
+                        "\" MarkupTag=\"XMLTag/Story\">" + paragraph + "</XMLElement>";
+        xml += "\t\t" + paragraph + "\n";
     }
     return xml + "\t</Story>\n</idPkg:Story>\n";
 }
 
-std::string designMapXml(const DocumentDef& d) {
+// The stories to write: the document's, then one for each anchored frame's text.
+std::vector<StoryDef> allStories(const DocumentDef& d) {
+    std::vector<StoryDef> stories = d.stories;
+    for (std::size_t s = 0; s < d.stories.size(); ++s) {
+        for (auto& p : stories[s].paragraphs) {
+            for (auto& r : p.runs) {
+                if (r.container != Container::Anchored)
+                    continue;
+                RunDef text = r;
+                text.container = Container::None;
+                r.anchoredStory = static_cast<int>(stories.size());
+                stories.push_back({{ParagraphDef{r.innerParagraphStyle, {}, {text}, false}}});
+            }
+        }
+    }
+    return stories;
+}
+
+std::string designMapXml(const DocumentDef& d, std::size_t stories) {
     std::string xml = std::string(kHeader) +
                       "<?aid style=\"50\" type=\"document\" readerVersion=\"6.0\" "
                       "featureSet=\"257\"?>\n<Document " +
                       kPackagingNs + attr("DOMVersion", d.domVersion) + " Self=\"d\">\n";
     xml += "\t<idPkg:Fonts src=\"Resources/Fonts.xml\"/>\n\t<idPkg:Styles "
            "src=\"Resources/Styles.xml\"/>\n";
-    for (std::size_t i = 0; i < d.stories.size(); ++i)
+    for (std::size_t i = 0; i < stories; ++i)
         xml += "\t<idPkg:Story src=\"" + storyPartName(i) + "\"/>\n";
     return xml + "</Document>\n";
 }
@@ -157,14 +317,15 @@ void addPart(zip_t* archive, const std::string& name, const std::string& data) {
 } // namespace
 
 void writeIdml(const DocumentDef& d, const std::string& path) {
+    const std::vector<StoryDef> stories = allStories(d);
     std::vector<std::pair<std::string, std::string>> parts{
         {"mimetype", "application/vnd.adobe.indesign-idml-package"},
-        {"designmap.xml", designMapXml(d)},
+        {"designmap.xml", designMapXml(d, stories.size())},
         {"Resources/Fonts.xml", fontsXml(d)},
         {"Resources/Styles.xml", stylesXml(d)},
     };
-    for (std::size_t i = 0; i < d.stories.size(); ++i)
-        parts.emplace_back(storyPartName(i), storyXml(d, i));
+    for (std::size_t i = 0; i < stories.size(); ++i)
+        parts.emplace_back(storyPartName(i), storyXml(d, stories[i], i));
     for (const auto& [name, data] : d.replacedParts) {
         auto part =
             std::find_if(parts.begin(), parts.end(), [&](auto& p) { return p.first == name; });
