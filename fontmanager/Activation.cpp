@@ -2,6 +2,7 @@
 
 #include "foundation/Logger.h"
 
+#include <algorithm>
 #include <system_error>
 
 namespace Vellumine {
@@ -10,6 +11,9 @@ namespace {
 
 using Outcome = ActivationResult::Outcome;
 
+// The longest name of a folder entry on Linux file systems.
+constexpr std::size_t maximumNameBytes = 255;
+
 bool pointsTo(const std::filesystem::path& link, const std::filesystem::path& target) {
     std::error_code error;
     return std::filesystem::is_symlink(std::filesystem::symlink_status(link, error)) &&
@@ -17,7 +21,8 @@ bool pointsTo(const std::filesystem::path& link, const std::filesystem::path& ta
 }
 
 // Creates the link, or adopts one that already points to the same target (left behind by a
-// catalog that was reset). Any other file under that name is not ours to replace.
+// catalog that was reset, or made by a process that was killed before it recorded it). Any
+// other file under that name is not ours to replace.
 bool makeLink(const std::filesystem::path& target, const std::filesystem::path& link,
               std::string& problem) {
     if (pointsTo(link, target)) {
@@ -45,8 +50,19 @@ void removeOwnLink(const std::filesystem::path& link, const std::filesystem::pat
     std::filesystem::remove(link, error);
 }
 
-std::string linkName(std::int64_t id, const std::filesystem::path& file) {
-    return std::to_string(id) + "-" + file.filename().string();
+// Cuts `text` to at most `bytes` without splitting a UTF-8 sequence.
+std::string cutAtCharacter(const std::string& text, std::size_t bytes) {
+    if (text.size() <= bytes) {
+        return text;
+    }
+    while (bytes > 0 && (static_cast<unsigned char>(text[bytes]) & 0xC0u) == 0x80u) {
+        --bytes;
+    }
+    return text.substr(0, bytes);
+}
+
+std::string faceName(const FaceRecord& face) {
+    return std::to_string(face.id) + " " + face.postScriptName;
 }
 
 } // namespace
@@ -58,51 +74,109 @@ bool Activation::isIntact(const LinkRecord& link) {
     return pointsTo(link.link, link.target);
 }
 
-ActivationResult Activation::activate(std::int64_t faceId) {
+std::string Activation::linkName(std::int64_t id, const std::filesystem::path& file) {
+    const std::string prefix = std::to_string(id) + "-";
+    const std::string name = file.filename().string();
+    if (prefix.size() + name.size() <= maximumNameBytes) {
+        return prefix + name;
+    }
+    // Keep the extension: fontconfig and people both go by it.
+    std::string extension = file.extension().string();
+    if (prefix.size() + extension.size() > maximumNameBytes / 2) {
+        extension.clear();
+    }
+    const std::string stem = name.substr(0, name.size() - extension.size());
+    return prefix + cutAtCharacter(stem, maximumNameBytes - prefix.size() - extension.size()) +
+           extension;
+}
+
+bool Activation::stillHolds(const FaceRecord& face, std::string& problem) const {
+    std::error_code error;
+    if (!std::filesystem::exists(face.file, error)) {
+        problem = "font file " + face.file.string() + " is gone";
+        return false;
+    }
+    if (!std::filesystem::is_regular_file(face.file, error)) {
+        problem = face.file.string() + " is no longer a regular file";
+        return false;
+    }
+    const FontFileReading reading = reader.read(face.file);
+    const bool holds = std::any_of(
+        reading.faces.begin(), reading.faces.end(), [&](const FaceDescription& description) {
+            return description.faceIndex == face.faceIndex &&
+                   description.postScriptName == face.postScriptName &&
+                   description.type == face.type;
+        });
+    if (!holds) {
+        problem = face.file.string() + " no longer holds this face (changed since it was " +
+                  "added; add it again)";
+    }
+    return holds;
+}
+
+ActivationResult Activation::activate(std::int64_t faceId, const ActivationOrigin& origin) {
     const auto face = catalog.face(faceId);
     if (!face) {
         return {Outcome::failed, "no face with container id " + std::to_string(faceId)};
     }
-    return activate(*face);
+    // The file is read before the write transaction, so that a slow or strange file never
+    // holds the catalog's lock.
+    std::string problem;
+    if (!face->active && !stillHolds(*face, problem)) {
+        return {Outcome::failed, faceName(*face) + ": " + problem};
+    }
+    ActivationResult result;
+    catalog.write([&] { result = link(faceId, origin); });
+    return result;
 }
 
-ActivationResult Activation::activate(const FaceRecord& face) {
-    const std::string name = std::to_string(face.id) + " " + face.postScriptName;
-    if (const auto existing = catalog.link(face.id)) {
+ActivationResult Activation::link(std::int64_t faceId, const ActivationOrigin& origin) {
+    const std::string& autoFor = origin.autoFor;
+    const auto face = catalog.face(faceId);
+    if (!face) {
+        return {Outcome::failed, "no face with container id " + std::to_string(faceId)};
+    }
+    const std::string name = faceName(*face);
+    if (const auto existing = catalog.link(face->id)) {
         if (isIntact(*existing)) {
+            if (origin.claims && autoFor.empty() && !existing->autoFor.empty()) {
+                catalog.claimLink(face->id);
+            }
             return {Outcome::unchanged, name + " is already active"};
         }
-        catalog.removeLink(face.id); // someone removed or replaced our link: make it anew
+        catalog.removeLink(face->id); // someone removed or replaced our link: make it anew
     }
     std::error_code error;
-    if (!std::filesystem::is_regular_file(face.file, error)) {
-        return {Outcome::failed, name + ": font file " + face.file.string() + " is gone"};
+    if (!std::filesystem::is_regular_file(face->file, error)) {
+        return {Outcome::failed, name + ": font file " + face->file.string() + " is gone"};
     }
-    if (shareCollectionLink(face)) {
+    if (shareCollectionLink(*face, autoFor)) {
         return {Outcome::changed, name + " activated (collection already linked)"};
     }
     std::filesystem::create_directories(folder, error);
-    LinkRecord record{face.id, folder / linkName(face.id, face.file), face.file, {}, {}};
+    LinkRecord record{face->id, folder / linkName(face->id, face->file), face->file, {}, {},
+                      autoFor};
     std::string problem;
     if (!makeLink(record.target, record.link, problem)) {
         return {Outcome::failed, name + ": " + problem};
     }
-    linkMetrics(face, record);
+    linkMetrics(*face, record);
     catalog.recordLink(record);
-    Logger::log("vellumine-activation", "linked " + record.link.string());
+    Logger::log("vellumine-activation",
+                "linked " + record.link.string() + (autoFor.empty() ? "" : " for " + autoFor));
     return {Outcome::changed, name + " activated"};
 }
 
 // fontconfig sees every face of a collection file through one link, so a second face of an
 // already linked collection shares that link instead of adding a duplicate.
-bool Activation::shareCollectionLink(const FaceRecord& face) {
+bool Activation::shareCollectionLink(const FaceRecord& face, const std::string& autoFor) {
     for (const auto& sibling : catalog.facesOfFile(face.file)) {
         if (sibling.id == face.id || !sibling.active) {
             continue;
         }
         const auto link = catalog.link(sibling.id);
         if (link && isIntact(*link)) {
-            catalog.recordLink({face.id, link->link, link->target, {}, {}});
+            catalog.recordLink({face.id, link->link, link->target, {}, {}, autoFor});
             return true;
         }
     }
@@ -125,22 +199,28 @@ void Activation::linkMetrics(const FaceRecord& face, LinkRecord& record) {
 }
 
 ActivationResult Activation::deactivate(std::int64_t faceId) {
-    const auto face = catalog.face(faceId);
-    if (!face) {
-        return {Outcome::failed, "no face with container id " + std::to_string(faceId)};
-    }
-    const std::string name = std::to_string(face->id) + " " + face->postScriptName;
-    const auto link = catalog.link(faceId);
-    if (!link) {
-        return {Outcome::unchanged, name + " is not active"};
-    }
-    const bool shared = catalog.linkUsers(link->link) > 1;
-    catalog.removeLink(faceId);
-    if (!shared) {
-        removeOwnLink(link->link, link->target);
-        removeOwnLink(link->metricsLink, link->metricsTarget);
-    }
-    return {Outcome::changed, name + " deactivated"};
+    ActivationResult result;
+    catalog.write([&] {
+        const auto face = catalog.face(faceId);
+        if (!face) {
+            result = {Outcome::failed, "no face with container id " + std::to_string(faceId)};
+            return;
+        }
+        const std::string name = faceName(*face);
+        const auto link = catalog.link(faceId);
+        if (!link) {
+            result = {Outcome::unchanged, name + " is not active"};
+            return;
+        }
+        const bool shared = catalog.linkUsers(link->link) > 1;
+        catalog.removeLink(faceId);
+        if (!shared) {
+            removeOwnLink(link->link, link->target);
+            removeOwnLink(link->metricsLink, link->metricsTarget);
+        }
+        result = {Outcome::changed, name + " deactivated"};
+    });
+    return result;
 }
 
 } // namespace Vellumine

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fontmanager/Catalog.h"
+#include "fontmanager/FaceReader.h"
 
 #include <filesystem>
 #include <string>
@@ -15,26 +16,47 @@ struct ActivationResult {
     bool succeeded() const { return outcome != Outcome::failed; }
 };
 
+// Who asks for an activation. By default, a user: that also turns an automatic activation
+// into a wanted one, which `deactivate --auto` then leaves alone.
+struct ActivationOrigin {
+    // Non-empty: vellumine activates the face on its own for this application.
+    std::string autoFor;
+    // Whether an already active automatic face becomes a wanted one.
+    bool claims = true;
+};
+
 // Makes faces available to fontconfig by linking their files into the activation folder,
 // and takes them away again. It only ever removes links it recorded as its own and that
 // still point where they pointed when made; every other file there is left alone.
+//
+// Each activation and deactivation is one write transaction of the catalog that also
+// covers its links on disk, so that two processes changing faces of one collection file
+// (which share a link) cannot leave a face recorded active without its link.
 class Activation {
 public:
     Activation(Catalog& catalog, std::filesystem::path folder);
 
-    ActivationResult activate(std::int64_t faceId);
+    // Activating an active face changes nothing (but its origin, see ActivationOrigin).
+    ActivationResult activate(std::int64_t faceId, const ActivationOrigin& origin = {});
     ActivationResult deactivate(std::int64_t faceId);
 
     // Whether the recorded link is still there and points to the recorded target.
     static bool isIntact(const LinkRecord& link);
+    // "<id>-<file name>", shortened inside the stem where it would pass the longest name a
+    // folder entry may have.
+    static std::string linkName(std::int64_t id, const std::filesystem::path& file);
 
 private:
-    ActivationResult activate(const FaceRecord& face);
-    bool shareCollectionLink(const FaceRecord& face);
+    ActivationResult link(std::int64_t faceId, const ActivationOrigin& origin);
+    bool shareCollectionLink(const FaceRecord& face, const std::string& autoFor);
     void linkMetrics(const FaceRecord& face, LinkRecord& record);
+    // Whether the face's file still holds that face; the file may have been replaced since
+    // it was added.
+    bool stillHolds(const FaceRecord& face, std::string& problem) const;
 
     Catalog& catalog;
     std::filesystem::path folder;
+    FaceReader reader;
 };
 
 } // namespace Vellumine

@@ -14,29 +14,28 @@ ActivationResult activateNamed(Activation& activation, const RequestFont& font) 
         return {ActivationResult::Outcome::failed,
                 "'" + font.containerID + "' is not a container id (font " + font.psName + ")"};
     }
-    return activation.activate(*id);
+    // An application's explicit choice, but not the user's: a face that vellumine activated
+    // on its own for the application stays an automatic one.
+    return activation.activate(*id, {{}, false});
 }
 
 } // namespace
 
-std::string answerActivationRequest(Catalog& catalog, Activation& activation,
-                                    LibraryChanges& changes, const Request& request,
+std::string answerActivationRequest(Activation& activation, LibraryChanges& changes,
+                                    const Request& request,
                                     const std::string& protocolVersion) {
     ReplyWriter reply("activationReply", protocolVersion);
     bool changed = false;
-    {
-        SqliteTransaction transaction(catalog.database());
-        for (const auto& font : request.fonts) {
-            const ActivationResult result = activateNamed(activation, font);
-            Logger::log("vellumine-activationRequest", result.message);
-            changed = changed || result.outcome == ActivationResult::Outcome::changed;
-            reply.openFont()
-                .element("containerID", font.containerID)
-                .element("psName", font.psName)
-                .element("activationSuccessfull", result.succeeded())
-                .closeFont();
-        }
-        transaction.commit();
+    // Each activation is a transaction of its own (font files are read outside of them).
+    for (const auto& font : request.fonts) {
+        const ActivationResult result = activateNamed(activation, font);
+        Logger::log("vellumine-activationRequest", result.message);
+        changed = changed || result.outcome == ActivationResult::Outcome::changed;
+        reply.openFont()
+            .element("containerID", font.containerID)
+            .element("psName", font.psName)
+            .element("activationSuccessfull", result.succeeded())
+            .closeFont();
     }
     if (changed) {
         changes.announce(ChangeKind::activeFontsChanged);

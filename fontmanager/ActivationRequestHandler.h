@@ -12,8 +12,8 @@ namespace Vellumine {
 // Answers an "activationRequest": activates each named container of the library and
 // reports per font its containerID and "activationSuccessfull". Only identifiers are taken
 // from the request; the files linked are those the catalog holds for them.
-std::string answerActivationRequest(Catalog& catalog, Activation& activation,
-                                    LibraryChanges& changes, const Request& request,
+std::string answerActivationRequest(Activation& activation, LibraryChanges& changes,
+                                    const Request& request,
                                     const std::string& protocolVersion);
 
 } // namespace Vellumine

@@ -1,7 +1,10 @@
 #include "fontmanager/Catalog.h"
 
+#include "foundation/Logger.h"
+
+#include <chrono>
 #include <ctime>
-#include <stdexcept>
+#include <thread>
 
 namespace Vellumine {
 
@@ -32,9 +35,14 @@ CREATE TABLE links (
     link_path TEXT NOT NULL,
     target_path TEXT NOT NULL,
     metrics_link_path TEXT NOT NULL DEFAULT '',
-    metrics_target_path TEXT NOT NULL DEFAULT ''
+    metrics_target_path TEXT NOT NULL DEFAULT '',
+    auto_for TEXT
 );
 CREATE INDEX links_by_path ON links (link_path);
+CREATE TABLE settings (
+    name TEXT PRIMARY KEY,
+    value TEXT NOT NULL
+);
 CREATE TABLE targets (
     signature TEXT PRIMARY KEY,
     event_class TEXT NOT NULL,
@@ -56,6 +64,17 @@ CREATE TABLE windowless_requests (
 );
 )";
 
+// From schema 1: automatic activations and settings.
+const char* const schema1to2 = R"(
+ALTER TABLE links ADD COLUMN auto_for TEXT;
+CREATE TABLE settings (
+    name TEXT PRIMARY KEY,
+    value TEXT NOT NULL
+);
+)";
+
+constexpr int busyAttempts = 5;
+
 const char* const faceColumns =
     "SELECT f.id, f.path, f.face_index, f.ps_name, f.family, f.style, f.type, f.metrics_path, "
     "l.face_id IS NOT NULL FROM faces f LEFT JOIN links l ON l.face_id = f.id ";
@@ -64,41 +83,87 @@ std::string faceQuery(const char* tail) {
     return std::string(faceColumns) + tail;
 }
 
-FaceType storedType(const std::string& text) {
-    const auto type = faceTypeFromWireText(text);
-    if (!type) {
-        throw std::runtime_error("catalog: unknown face type '" + text + "'");
-    }
-    return *type;
-}
-
 std::int64_t now() {
     return static_cast<std::int64_t>(std::time(nullptr));
 }
 
 } // namespace
 
-Catalog::Catalog(const std::filesystem::path& file) : db(ensureFolder(file)) {
-    // WAL lets `vellumine list` read while the server writes.
-    db.execute("PRAGMA journal_mode = WAL");
+Catalog::Catalog(const std::filesystem::path& file, Access access)
+    : db(access == Access::readWrite ? ensureFolder(file) : file, access) {
+    if (access == Access::readOnly) {
+        const std::int64_t version = db.prepare("PRAGMA user_version").singleInteger();
+        if (version != schemaVersion) {
+            throw SqliteError(db.description() + " has schema " + std::to_string(version) +
+                              ", this vellumine reads " + std::to_string(schemaVersion) +
+                              ", and it cannot be upgraded: it is read-only");
+        }
+        return;
+    }
+    // WAL lets `vellumine list` read while the server writes. The mode cannot change inside
+    // a transaction, and a new catalog's first opener may hold the lock meanwhile.
+    retrying([this] { db.execute("PRAGMA journal_mode = WAL"); });
+    write([this] { migrate(); });
     db.execute("PRAGMA synchronous = NORMAL");
     db.execute("PRAGMA foreign_keys = ON");
-    migrate();
 }
 
+std::unique_ptr<Catalog> Catalog::openForReading(const std::filesystem::path& file) {
+    std::error_code error;
+    if (std::filesystem::exists(file, error)) {
+        try {
+            return std::make_unique<Catalog>(file);
+        } catch (const SqliteBusy&) {
+            throw;
+        } catch (const std::exception& failure) {
+            Logger::log("vellumine-catalog",
+                        std::string(failure.what()) + "; reading it read-only instead");
+            return std::make_unique<Catalog>(file, Access::readOnly);
+        }
+    }
+    return std::make_unique<Catalog>(file);
+}
+
+void Catalog::write(const std::function<void()>& work) {
+    retrying([&] {
+        SqliteTransaction transaction(db);
+        work();
+        transaction.commit();
+    });
+}
+
+void Catalog::retrying(const std::function<void()>& work) {
+    for (int attempt = 1;; ++attempt) {
+        try {
+            work();
+            return;
+        } catch (const SqliteBusy& busy) {
+            if (attempt == busyAttempts || db.inTransaction()) {
+                throw; // an enclosing transaction decides for itself
+            }
+            const std::string message = std::string(busy.what()) + "; trying again";
+            Logger::log("vellumine-catalog", message);
+            if (busyReporter) {
+                busyReporter(message);
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(50 * attempt));
+        }
+    }
+}
+
+// Runs inside the write transaction, so that two processes opening a new catalog at once
+// cannot both create the schema: the second sees the first one's version and does nothing.
 void Catalog::migrate() {
     const std::int64_t current = db.prepare("PRAGMA user_version").singleInteger();
     if (current == schemaVersion) {
         return;
     }
     if (current > schemaVersion) {
-        throw std::runtime_error("catalog: written by a newer vellumine (schema " +
-                                 std::to_string(current) + ")");
+        throw SqliteError(db.description() + " was written by a newer vellumine (schema " +
+                          std::to_string(current) + ")");
     }
-    SqliteTransaction transaction(db);
-    db.execute(schema);
+    db.execute(current == 0 ? schema : schema1to2);
     db.execute("PRAGMA user_version = " + std::to_string(schemaVersion));
-    transaction.commit();
 }
 
 AddedFace Catalog::addFace(const std::filesystem::path& file,
@@ -137,14 +202,18 @@ AddedFace Catalog::addFace(const std::filesystem::path& file,
 std::vector<FaceRecord> Catalog::faces(SqliteStatement& statement) {
     std::vector<FaceRecord> records;
     while (statement.step()) {
+        const auto type = faceTypeFromWireText(statement.text(6));
+        if (!type) {
+            continue; // see facesOfUnknownType()
+        }
         FaceRecord record;
+        record.type = *type;
         record.id = statement.integer(0);
         record.file = statement.text(1);
         record.faceIndex = static_cast<long>(statement.integer(2));
         record.postScriptName = statement.text(3);
         record.family = statement.text(4);
         record.style = statement.text(5);
-        record.type = storedType(statement.text(6));
         record.metricsFile = statement.text(7);
         record.active = statement.integer(8) != 0;
         records.push_back(std::move(record));
@@ -181,6 +250,17 @@ std::vector<FaceRecord> Catalog::allFaces() {
     return faces(db.prepare(query));
 }
 
+std::vector<std::pair<std::int64_t, std::string>> Catalog::facesOfUnknownType() {
+    SqliteStatement& statement = db.prepare("SELECT id, type FROM faces ORDER BY id");
+    std::vector<std::pair<std::int64_t, std::string>> unknown;
+    while (statement.step()) {
+        if (!faceTypeFromWireText(statement.text(1))) {
+            unknown.emplace_back(statement.integer(0), statement.text(1));
+        }
+    }
+    return unknown;
+}
+
 std::int64_t Catalog::faceCount() {
     return db.prepare("SELECT count(*) FROM faces").singleInteger();
 }
@@ -190,14 +270,20 @@ std::int64_t Catalog::activeFaceCount() {
 }
 
 void Catalog::recordLink(const LinkRecord& link) {
-    db.prepare("INSERT OR REPLACE INTO links (face_id, link_path, target_path, metrics_link_path, "
-               "metrics_target_path) VALUES (?, ?, ?, ?, ?)")
-        .bind(1, link.faceId)
-        .bind(2, link.link.string())
-        .bind(3, link.target.string())
-        .bind(4, link.metricsLink.string())
-        .bind(5, link.metricsTarget.string())
-        .run();
+    SqliteStatement& statement =
+        db.prepare("INSERT OR REPLACE INTO links (face_id, link_path, target_path, "
+                   "metrics_link_path, metrics_target_path, auto_for) VALUES (?, ?, ?, ?, ?, ?)")
+            .bind(1, link.faceId)
+            .bind(2, link.link.string())
+            .bind(3, link.target.string())
+            .bind(4, link.metricsLink.string())
+            .bind(5, link.metricsTarget.string());
+    if (link.autoFor.empty()) {
+        statement.bindNull(6);
+    } else {
+        statement.bind(6, link.autoFor);
+    }
+    statement.run();
 }
 
 namespace {
@@ -206,13 +292,14 @@ std::vector<LinkRecord> links(SqliteStatement& statement) {
     std::vector<LinkRecord> records;
     while (statement.step()) {
         records.push_back({statement.integer(0), statement.text(1), statement.text(2),
-                           statement.text(3), statement.text(4)});
+                           statement.text(3), statement.text(4), statement.text(5)});
     }
     return records;
 }
 
 const char* const linkColumns =
-    "SELECT face_id, link_path, target_path, metrics_link_path, metrics_target_path FROM links ";
+    "SELECT face_id, link_path, target_path, metrics_link_path, metrics_target_path, "
+    "coalesce(auto_for, '') FROM links ";
 
 } // namespace
 
@@ -226,6 +313,15 @@ std::optional<LinkRecord> Catalog::link(std::int64_t faceId) {
 
 std::vector<LinkRecord> Catalog::allLinks() {
     return links(db.prepare(std::string(linkColumns) + "ORDER BY face_id"));
+}
+
+std::vector<LinkRecord> Catalog::autoActivatedLinks() {
+    return links(
+        db.prepare(std::string(linkColumns) + "WHERE auto_for IS NOT NULL ORDER BY face_id"));
+}
+
+void Catalog::claimLink(std::int64_t faceId) {
+    db.prepare("UPDATE links SET auto_for = NULL WHERE face_id = ?").bind(1, faceId).run();
 }
 
 std::int64_t Catalog::linkUsers(const std::filesystem::path& link) {
@@ -302,6 +398,26 @@ std::vector<LibraryChange> Catalog::changesAfter(std::int64_t id) {
         result.push_back({statement.integer(0), statement.text(1), statement.integer(2)});
     }
     return result;
+}
+
+namespace {
+const std::string autoActivationSetting = "auto-activate";
+}
+
+bool Catalog::autoActivation() {
+    SqliteStatement& statement =
+        db.prepare("SELECT value FROM settings WHERE name = ?").bind(1, autoActivationSetting);
+    const std::string value = statement.step() ? statement.text(0) : "on";
+    statement.reset();
+    return value != "off";
+}
+
+void Catalog::setAutoActivation(bool on) {
+    db.prepare("INSERT INTO settings (name, value) VALUES (?, ?) "
+               "ON CONFLICT (name) DO UPDATE SET value = excluded.value")
+        .bind(1, autoActivationSetting)
+        .bind(2, std::string(on ? "on" : "off"))
+        .run();
 }
 
 } // namespace Vellumine

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,6 +33,9 @@ struct LinkRecord {
     std::filesystem::path target;
     std::filesystem::path metricsLink;
     std::filesystem::path metricsTarget;
+    // The application whose font request activated the face on its own; empty when a user
+    // (or an application's explicit activation request) asked for it.
+    std::string autoFor;
 };
 
 // An application that named itself in a request and hears of library changes.
@@ -66,12 +71,27 @@ struct AddedFace {
 // The font library in SQLite.
 class Catalog {
 public:
-    static constexpr int schemaVersion = 1;
+    static constexpr int schemaVersion = 2;
+    using Access = SqliteDatabase::Access;
+    // Told when the catalog was busy and the work is tried again.
+    using BusyReporter = std::function<void(const std::string& message)>;
 
-    // Opens or creates the catalog file (and its folder).
-    explicit Catalog(const std::filesystem::path& file);
+    // Opens or creates the catalog file (and its folder) and brings its schema up to date.
+    // Read-only access neither creates nor changes anything.
+    explicit Catalog(const std::filesystem::path& file, Access access = Access::readWrite);
+
+    // Read-write where the catalog can be written, else read-only: for commands that only
+    // read, so that a catalog the user may not write can still be listed.
+    static std::unique_ptr<Catalog> openForReading(const std::filesystem::path& file);
 
     SqliteDatabase& database() { return db; }
+    const std::filesystem::path& file() const { return db.file(); }
+
+    // Runs `work` in one write transaction; when the catalog stays busy past the time-out,
+    // reports it and tries again a few times before letting SqliteBusy through. `work` must
+    // be safe to run again after a rollback.
+    void write(const std::function<void()>& work);
+    void setBusyReporter(BusyReporter reporter) { busyReporter = std::move(reporter); }
 
     // Adds or refreshes a face; the (file, face index) pair keeps its identifier.
     AddedFace addFace(const std::filesystem::path& file, const std::filesystem::path& metricsFile,
@@ -83,12 +103,19 @@ public:
     std::vector<FaceRecord> facesByFamily(const std::string& family);
     std::vector<FaceRecord> facesOfFile(const std::filesystem::path& file);
     std::vector<FaceRecord> allFaces();
+    // Rows whose type this vellumine does not know (written by another version): left out
+    // of every face query, so that they cannot break listings; `check` names them.
+    std::vector<std::pair<std::int64_t, std::string>> facesOfUnknownType();
     std::int64_t faceCount();
     std::int64_t activeFaceCount();
 
     void recordLink(const LinkRecord& link);
     std::optional<LinkRecord> link(std::int64_t faceId);
     std::vector<LinkRecord> allLinks();
+    std::vector<LinkRecord> autoActivatedLinks();
+    // The user (or an application's explicit request) wants this active face: it no longer
+    // counts as activated automatically.
+    void claimLink(std::int64_t faceId);
     // How many faces use this link (faces of one collection share one).
     std::int64_t linkUsers(const std::filesystem::path& link);
     void removeLink(std::int64_t faceId);
@@ -104,11 +131,17 @@ public:
     std::int64_t lastChange();
     std::vector<LibraryChange> changesAfter(std::int64_t id);
 
+    // User settings, kept in the catalog so that the server and the command line share them.
+    bool autoActivation();
+    void setAutoActivation(bool on);
+
 private:
+    void retrying(const std::function<void()>& work);
     void migrate();
     std::vector<FaceRecord> faces(SqliteStatement& statement);
 
     SqliteDatabase db;
+    BusyReporter busyReporter;
 };
 
 } // namespace Vellumine

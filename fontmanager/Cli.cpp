@@ -7,6 +7,7 @@
 #include "fontmanager/FontRequestHandler.h"
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryChanges.h"
+#include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
 #include "fontmanager/Server.h"
@@ -48,6 +49,37 @@ std::string formatTime(std::int64_t unixTime) {
     return text;
 }
 
+// A catalog for a command that changes it; being busy is reported where the user sees it.
+std::unique_ptr<Catalog> openForWriting(const LibraryPaths& paths, std::ostream& errors) {
+    auto catalog = std::make_unique<Catalog>(paths.catalogFile());
+    catalog->setBusyReporter(
+        [&errors](const std::string& message) { errors << "vellumine: " << message << "\n"; });
+    return catalog;
+}
+
+// A value in a tab-separated line: tabs, line ends and other control characters would
+// split or forge lines, so they are written as escapes ("\t", "\n", "\x1b"), and a
+// backslash as "\\".
+std::string field(const std::string& value) {
+    static const char* const hex = "0123456789abcdef";
+    std::string text;
+    for (const char c : value) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '\\') {
+            text += "\\\\";
+        } else if (c == '\t') {
+            text += "\\t";
+        } else if (c == '\n') {
+            text += "\\n";
+        } else if (byte < 0x20 || byte == 0x7F) {
+            text += std::string("\\x") + hex[byte >> 4] + hex[byte & 0xF];
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
 int serveCommand(const Arguments& arguments, std::ostream&, std::ostream& errors) {
     ServeOptions options;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -67,7 +99,8 @@ int addCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    Catalog catalog(paths.catalogFile());
+    auto catalogFile = openForWriting(paths, errors);
+    Catalog& catalog = *catalogFile;
     FaceReader reader;
     LibraryImporter importer(catalog, reader);
     const ImportReport report =
@@ -99,15 +132,16 @@ int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& err
             return usageError;
         }
     }
-    Catalog catalog(LibraryPaths::fromEnvironment().catalogFile());
-    const auto faces = name.empty() ? catalog.allFaces() : catalog.facesByPostScriptName(name);
+    const auto catalog = Catalog::openForReading(LibraryPaths::fromEnvironment().catalogFile());
+    const auto faces = name.empty() ? catalog->allFaces() : catalog->facesByPostScriptName(name);
     for (const auto& face : faces) {
         if (activeOnly && !face.active) {
             continue;
         }
         out << face.id << "\t" << wireText(face.type) << "\t"
-            << (face.active ? "active" : "inactive") << "\t" << face.postScriptName << "\t"
-            << face.family << "\t" << face.style << "\t" << face.file.string()
+            << (face.active ? "active" : "inactive") << "\t" << field(face.postScriptName) << "\t"
+            << field(face.family) << "\t" << field(face.style) << "\t"
+            << field(face.file.string())
             << (face.faceIndex > 0 ? "#" + std::to_string(face.faceIndex) : "") << "\n";
     }
     return 0;
@@ -139,21 +173,34 @@ bool resolveFaces(Catalog& catalog, const std::string& argument, bool all,
     return true;
 }
 
+// The faces vellumine activated on its own, for `deactivate --auto`.
+std::vector<std::int64_t> automaticallyActivated(Catalog& catalog) {
+    std::vector<std::int64_t> ids;
+    for (const auto& link : catalog.autoActivatedLinks()) {
+        ids.push_back(link.faceId);
+    }
+    return ids;
+}
+
 int changeActivation(const Arguments& arguments, std::ostream& out, std::ostream& errors,
                      bool activate) {
     if (arguments.empty()) {
         errors << "vellumine " << (activate ? "activate" : "deactivate")
-               << ": name at least one container id or PostScript name\n";
+               << ": name at least one container id or PostScript name"
+               << (activate ? "" : ", or --auto") << "\n";
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    Catalog catalog(paths.catalogFile());
+    auto catalogFile = openForWriting(paths, errors);
+    Catalog& catalog = *catalogFile;
     Activation activation(catalog, paths.activationFolder());
     bool failed = false;
     bool changed = false;
     for (const auto& argument : arguments) {
         std::vector<std::int64_t> ids;
-        if (!resolveFaces(catalog, argument, !activate, ids, errors)) {
+        if (!activate && argument == "--auto") {
+            ids = automaticallyActivated(catalog);
+        } else if (!resolveFaces(catalog, argument, !activate, ids, errors)) {
             failed = true;
             continue;
         }
@@ -175,7 +222,7 @@ std::string serverState() {
     int status = 0;
     auto bus = Platform::Linux::DBusAppEvents::open("", status);
     if (!bus) {
-        return "unknown (no session bus)";
+        return "unknown (cannot connect to the session bus)";
     }
     return bus->hasOwner(serviceBusName) ? "running (" + serviceBusName + " is owned)"
                                          : "not running";
@@ -193,17 +240,31 @@ void printWindowlessRequests(Catalog& catalog, const std::string& kind, const ch
     }
 }
 
+void printAutomaticActivations(Catalog& catalog, std::ostream& out) {
+    const auto links = catalog.autoActivatedLinks();
+    out << "activated automatically" << (links.empty() ? ": none\n" : ":\n");
+    for (const auto& link : links) {
+        const auto face = catalog.face(link.faceId);
+        out << "  " << link.faceId << "\t" << (face ? field(face->postScriptName) : "?")
+            << "\tfor " << field(link.autoFor) << "\n";
+    }
+}
+
 int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
     if (!arguments.empty()) {
         errors << "vellumine status: takes no arguments\n";
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    Catalog catalog(paths.catalogFile());
-    out << "catalog: " << paths.catalogFile().string() << "\n"
+    const auto catalogFile = Catalog::openForReading(paths.catalogFile());
+    Catalog& catalog = *catalogFile;
+    out << "catalog: " << paths.catalogFile().string()
+        << (catalog.database().isReadOnly() ? " (read-only)" : "") << "\n"
         << "activation folder: " << paths.activationFolder().string() << "\n"
         << "faces: " << catalog.faceCount() << " (" << catalog.activeFaceCount() << " active)\n"
+        << "auto-activation: " << (catalog.autoActivation() ? "on" : "off") << "\n"
         << "server: " << serverState() << "\n";
+    printAutomaticActivations(catalog, out);
     out << "applications told of changes:";
     for (const auto& target : catalog.targets()) {
         out << " " << target.signature << " (" << target.eventClass << ")";
@@ -217,6 +278,48 @@ int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& e
     }
     printWindowlessRequests(catalog, "show", "asked to show (vellumine has no window)", out);
     printWindowlessRequests(catalog, "buy", "wish list (vellumine has no store)", out);
+    return 0;
+}
+
+int checkCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    const bool repair = arguments.size() == 1 && arguments[0] == "--repair";
+    if (!arguments.empty() && !repair) {
+        errors << "vellumine check: usage: check [--repair]\n";
+        return usageError;
+    }
+    const auto paths = LibraryPaths::fromEnvironment();
+    const auto catalog = repair ? openForWriting(paths, errors)
+                                : Catalog::openForReading(paths.catalogFile());
+    const LibraryCheckReport report = checkLibrary(*catalog, paths.activationFolder(), repair);
+    for (const auto& problem : report.problems) {
+        out << "problem: " << field(problem) << "\n";
+    }
+    for (const auto& repaired : report.repairs) {
+        out << "repaired: " << field(repaired) << "\n";
+    }
+    if (!report.repairs.empty()) {
+        LibraryChanges(*catalog).announce(ChangeKind::activeFontsChanged);
+    }
+    out << report.problems.size() << " problem(s)"
+        << (repair ? ", " + std::to_string(report.repairs.size()) + " repaired" : "") << "\n";
+    return report.problems.size() == report.repairs.size() ? 0 : 1;
+}
+
+int configCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    const auto paths = LibraryPaths::fromEnvironment();
+    if (arguments.empty()) {
+        const auto catalog = Catalog::openForReading(paths.catalogFile());
+        out << "auto-activate " << (catalog->autoActivation() ? "on" : "off") << "\n";
+        return 0;
+    }
+    if (arguments.size() != 2 || arguments[0] != "auto-activate" ||
+        (arguments[1] != "on" && arguments[1] != "off")) {
+        errors << "vellumine config: usage: config [auto-activate on|off]\n";
+        return usageError;
+    }
+    const auto catalog = openForWriting(paths, errors);
+    catalog->write([&] { catalog->setAutoActivation(arguments[1] == "on"); });
+    out << "auto-activate " << arguments[1] << "\n";
     return 0;
 }
 
@@ -262,17 +365,32 @@ const std::map<std::string, Command>& commands() {
               return changeActivation(a, o, e, true);
           }}},
         {"deactivate",
-         {"deactivate ID|POSTSCRIPT-NAME...",
+         {"deactivate ID|POSTSCRIPT-NAME|--auto...",
           "Removes the links that activation made (a PostScript name deactivates every face\n"
-          "of that name). Files it did not make are never touched.",
+          "of that name; --auto every face vellumine activated on its own for a font\n"
+          "request). Files it did not make are never touched.",
           [](const Arguments& a, std::ostream& o, std::ostream& e) {
               return changeActivation(a, o, e, false);
           }}},
         {"status",
          {"status",
           "Shows the catalog and activation folder, the number of faces, whether the server\n"
-          "runs, which applications hear of changes, and recent show and buy requests.",
+          "runs, the faces activated automatically and for which application, which\n"
+          "applications hear of changes, and recent show and buy requests.",
           statusCommand}},
+        {"check",
+         {"check [--repair]",
+          "Checks the catalog's integrity and compares it with the activation folder: every\n"
+          "face recorded active has its link, every link vellumine made is recorded. With\n"
+          "--repair, records of lost links are dropped and unrecorded links removed.\n"
+          "Exit status 1 while a problem remains.",
+          checkCommand}},
+        {"config",
+         {"config [auto-activate on|off]",
+          "Shows or changes the settings kept in the catalog. auto-activate (on by default):\n"
+          "a font request activates each requested font that is not active and of which the\n"
+          "library holds exactly one face of the requested type.",
+          configCommand}},
         {"install-launcher",
          {"install-launcher [--data-home DIR]",
           "Writes the desktop entry org.vellumine.Vellumine.Launcher3.desktop, which starts\n"

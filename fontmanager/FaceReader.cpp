@@ -99,6 +99,13 @@ FaceReader::~FaceReader() {
 
 FontFileReading FaceReader::read(const std::filesystem::path& file) const {
     FontFileReading reading;
+    std::error_code notRegular;
+    if (!std::filesystem::is_regular_file(file, notRegular)) {
+        // A FIFO would block the reader, a device would never end.
+        reading.problems.push_back(notRegular ? "cannot read (" + notRegular.message() + ")"
+                                              : "not a regular file");
+        return reading;
+    }
     FT_Face probe = nullptr;
     FT_Error error = FT_New_Face(library->handle, file.c_str(), -1, &probe);
     if (error != 0) {

@@ -16,6 +16,12 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
            });
 }
 
+std::string lowercase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
 bool isRegularStyle(const std::string& style) {
     static const std::array<std::string_view, 6> regular = {"Regular", "Roman", "Normal",
                                                             "Book",    "Plain", "Standard"};
@@ -27,26 +33,26 @@ bool styleMatches(const std::string& wanted, const std::string& style) {
     return wanted.empty() ? isRegularStyle(style) : equalIgnoringCase(wanted, style);
 }
 
-std::vector<FaceRecord> candidates(Catalog& catalog, const RequestFont& font) {
-    if (!font.psName.empty()) {
-        auto byName = catalog.facesByPostScriptName(font.psName);
-        if (!byName.empty() || font.familyName.empty()) {
-            return byName;
-        }
-    }
-    if (font.familyName.empty()) {
-        return {};
-    }
-    auto family = catalog.facesByFamily(font.familyName);
-    std::erase_if(
-        family, [&](const FaceRecord& face) { return !styleMatches(font.styleName, face.style); });
-    return family;
+const FaceRecord* firstActive(const std::vector<const FaceRecord*>& faces) {
+    const auto active =
+        std::find_if(faces.begin(), faces.end(), [](const FaceRecord* face) { return face->active; });
+    return active != faces.end() ? *active : nullptr;
 }
 
-const FaceRecord* firstActive(const std::vector<FaceRecord>& faces) {
-    const auto active = std::find_if(faces.begin(), faces.end(),
-                                     [](const FaceRecord& face) { return face.active; });
-    return active != faces.end() ? &*active : nullptr;
+FontMatch makeMatch(const RequestFont& font, const std::vector<FaceRecord>& candidates,
+                    bool byStyle) {
+    FontMatch match;
+    match.requestedType = faceTypeFromWireText(font.type);
+    for (const auto& face : candidates) {
+        if (byStyle && !styleMatches(font.styleName, face.style)) {
+            continue;
+        }
+        match.faces.push_back(&face);
+        if (!match.requestedType || face.type == *match.requestedType) {
+            match.typeMatching.push_back(&face);
+        }
+    }
+    return match;
 }
 
 } // namespace
@@ -64,28 +70,53 @@ const FaceRecord* FontMatch::bestFace() const {
         return active;
     }
     if (!typeMatching.empty()) {
-        return &typeMatching.front();
+        return typeMatching.front();
     }
-    return faces.empty() ? nullptr : &faces.front();
+    return faces.empty() ? nullptr : faces.front();
 }
 
 const FaceRecord* FontMatch::bestTypeMatchingFace() const {
     if (const FaceRecord* active = firstActive(typeMatching)) {
         return active;
     }
-    return typeMatching.empty() ? nullptr : &typeMatching.front();
+    return typeMatching.empty() ? nullptr : typeMatching.front();
 }
 
-FontMatch matchFont(Catalog& catalog, const RequestFont& font) {
-    FontMatch match;
-    match.requestedType = faceTypeFromWireText(font.type);
-    match.faces = candidates(catalog, font);
-    for (const auto& face : match.faces) {
-        if (!match.requestedType || face.type == *match.requestedType) {
-            match.typeMatching.push_back(face);
-        }
+const std::vector<FaceRecord>& FontMatcher::byPostScriptName(const std::string& name) {
+    auto found = names.find(name);
+    if (found == names.end()) {
+        found = names.emplace(name, catalog.facesByPostScriptName(name)).first;
     }
-    return match;
+    return found->second;
+}
+
+const std::vector<FaceRecord>& FontMatcher::byFamily(const std::string& family) {
+    const std::string key = lowercase(family);
+    auto found = families.find(key);
+    if (found == families.end()) {
+        found = families.emplace(key, catalog.facesByFamily(family)).first;
+    }
+    return found->second;
+}
+
+const FontMatch& FontMatcher::match(const RequestFont& font) {
+    // The key names what the faces were found by, so that fonts differing only in what
+    // was not used share one match.
+    const bool byName = !font.psName.empty() &&
+                        (!byPostScriptName(font.psName).empty() || font.familyName.empty());
+    const std::string key =
+        byName ? "name\n" + font.psName + "\n" + font.type
+               : "family\n" + lowercase(font.familyName) + "\n" + lowercase(font.styleName) +
+                     "\n" + font.type;
+    auto found = matches.find(key);
+    if (found != matches.end()) {
+        return found->second;
+    }
+    static const std::vector<FaceRecord> none;
+    const auto& candidates = byName                      ? byPostScriptName(font.psName)
+                             : font.familyName.empty() ? none
+                                                       : byFamily(font.familyName);
+    return matches.emplace(key, makeMatch(font, candidates, !byName)).first->second;
 }
 
 } // namespace Vellumine

@@ -3,16 +3,19 @@
 #include "fontmanager/Catalog.h"
 #include "fontmanager/Request.h"
 
+#include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace Vellumine {
 
-// The library's answer to one requested font.
+// The library's answer to one requested font. The faces belong to the FontMatcher that
+// made the match and live as long as it does.
 struct FontMatch {
-    std::optional<FaceType> requestedType; // none for "all", empty or unknown types
-    std::vector<FaceRecord> faces;         // every matching face, by container id
-    std::vector<FaceRecord> typeMatching;  // those of the requested type (all without one)
+    std::optional<FaceType> requestedType;      // none for "all", empty or unknown types
+    std::vector<const FaceRecord*> faces;        // every matching face, by container id
+    std::vector<const FaceRecord*> typeMatching; // those of the requested type (all without one)
 
     bool isActive() const;
     bool isTypeMatchingActive() const;
@@ -25,6 +28,26 @@ struct FontMatch {
 // Matches by PostScript name (exact); when no face has that name, by family (ignoring ASCII
 // case) and style. An empty style stands for the family's regular face, whichever of
 // "Regular", "Roman", "Normal", "Book", "Plain" or "Standard" it is called.
-FontMatch matchFont(Catalog& catalog, const RequestFont& font);
+//
+// One matcher serves one request: it asks the catalog once per name and family and
+// remembers each match, so that a request naming one large family many times costs one
+// query and one match, not one per font. Use it inside one read transaction.
+class FontMatcher {
+public:
+    explicit FontMatcher(Catalog& catalog) : catalog(catalog) {}
+    FontMatcher(const FontMatcher&) = delete;
+    FontMatcher& operator=(const FontMatcher&) = delete;
+
+    const FontMatch& match(const RequestFont& font);
+
+private:
+    const std::vector<FaceRecord>& byPostScriptName(const std::string& name);
+    const std::vector<FaceRecord>& byFamily(const std::string& family);
+
+    Catalog& catalog;
+    std::map<std::string, std::vector<FaceRecord>> names;
+    std::map<std::string, std::vector<FaceRecord>> families;
+    std::map<std::string, FontMatch> matches;
+};
 
 } // namespace Vellumine

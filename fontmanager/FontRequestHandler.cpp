@@ -1,6 +1,9 @@
 #include "fontmanager/FontRequestHandler.h"
 
+#include "fontmanager/AutoActivation.h"
 #include "fontmanager/ReplyWriter.h"
+
+#include <optional>
 
 namespace Vellumine {
 
@@ -19,7 +22,8 @@ std::string replyType(const FontMatch& match, const FaceRecord* best) {
     return best != nullptr ? wireText(best->type) : "all";
 }
 
-void writeFont(ReplyWriter& reply, const RequestFont& font, const FontMatch& match) {
+void writeFont(ReplyWriter& reply, const RequestFont& font, const FontMatch& match,
+               std::size_t facesListed) {
     const FaceRecord* best = match.bestFace();
     const FaceRecord* bestTyped = match.bestTypeMatchingFace();
     reply.openFont()
@@ -34,10 +38,33 @@ void writeFont(ReplyWriter& reply, const RequestFont& font, const FontMatch& mat
         .element("isTypeMatchingActive", match.isTypeMatchingActive())
         .element("typeMatchingContainerID", bestTyped ? std::to_string(bestTyped->id) : "")
         .element("containerID", best ? std::to_string(best->id) : "");
-    for (const auto& face : match.faces) {
-        reply.fontInfo(std::to_string(face.id), describeFace(face));
+    for (std::size_t i = 0; i < match.faces.size() && i < facesListed; ++i) {
+        reply.fontInfo(std::to_string(match.faces[i]->id), describeFace(*match.faces[i]));
     }
     reply.closeFont();
+}
+
+// The reply, or nothing once it passes the size limit (checked after each font, so that a
+// reply too large is never built in full).
+std::optional<std::string> writeReply(FontMatcher& matcher, const Request& request,
+                                      const std::string& protocolVersion, std::size_t facesListed,
+                                      std::size_t maximumBytes) {
+    ReplyWriter reply("fontReply", protocolVersion);
+    bool showWindow = false;
+    for (const auto& font : request.fonts) {
+        const FontMatch& match = matcher.match(font);
+        showWindow = showWindow || asksForChoice(match);
+        writeFont(reply, font, match, facesListed);
+        if (reply.size() > maximumBytes) {
+            return std::nullopt;
+        }
+    }
+    reply.element("showWindow", std::string(showWindow ? "1" : "0"));
+    std::string text = reply.finish();
+    if (text.size() > maximumBytes) {
+        return std::nullopt;
+    }
+    return text;
 }
 
 } // namespace
@@ -52,19 +79,29 @@ std::string describeFace(const FaceRecord& face) {
            face.file.filename().string();
 }
 
-std::string answerFontRequest(Catalog& catalog, const Request& request,
-                              const std::string& protocolVersion) {
-    ReplyWriter reply("fontReply", protocolVersion);
-    bool showWindow = false;
+std::string answerFontRequest(FontRequestContext& context, const Request& request,
+                              const std::string& application, const std::string& protocolVersion) {
+    Catalog& catalog = context.catalog;
+    if (catalog.autoActivation()) {
+        activateAutomatically(catalog, context.activation, context.changes, request, application);
+    }
+    const ReplyLimits& limits = context.limits;
     SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
-    for (const auto& font : request.fonts) {
-        const FontMatch match = matchFont(catalog, font);
-        showWindow = showWindow || asksForChoice(match);
-        writeFont(reply, font, match);
+    FontMatcher matcher(catalog);
+    auto reply = writeReply(matcher, request, protocolVersion, limits.maximumFacesListed,
+                            limits.maximumBytes);
+    if (!reply) {
+        reply = writeReply(matcher, request, protocolVersion, 0, limits.maximumBytes);
     }
     snapshot.commit();
-    reply.element("showWindow", std::string(showWindow ? "1" : "0"));
-    return reply.finish();
+    if (!reply) {
+        return ReplyWriter("errorReply", protocolVersion)
+            .element("error", "the reply to " + std::to_string(request.fonts.size()) +
+                                  " fonts would pass " + std::to_string(limits.maximumBytes) +
+                                  " bytes; ask for fewer fonts at once")
+            .finish();
+    }
+    return *reply;
 }
 
 } // namespace Vellumine

@@ -1,17 +1,40 @@
 #pragma once
 
+#include "fontmanager/Activation.h"
 #include "fontmanager/Catalog.h"
 #include "fontmanager/FontMatcher.h"
+#include "fontmanager/LibraryChanges.h"
 #include "fontmanager/Request.h"
 
+#include <cstddef>
 #include <string>
 
 namespace Vellumine {
 
-// Answers a "fontRequest": one <font> per requested font with the counts, activity flags
-// and container identifiers of the matching faces, and one <fontInfo> per matching face.
-std::string answerFontRequest(Catalog& catalog, const Request& request,
-                              const std::string& protocolVersion);
+// Bounds on a font reply, so that it always fits into one bus message: the smallest limit
+// a bus daemon sets by default is 32 MiB per message.
+struct ReplyLimits {
+    std::size_t maximumBytes = 16 * 1024 * 1024;
+    // <fontInfo> entries per font; `count` still says how many faces match.
+    std::size_t maximumFacesListed = 100;
+};
+
+// What answering a font request may use besides the catalog: auto-activation activates
+// faces and announces the change.
+struct FontRequestContext {
+    Catalog& catalog;
+    Activation& activation;
+    LibraryChanges& changes;
+    ReplyLimits limits;
+};
+
+// Answers a "fontRequest": first activates what it may on its own (see AutoActivation.h)
+// for `application`, then one <font> per requested font with the counts, activity flags and
+// container identifiers of the matching faces, and one <fontInfo> per matching face (at
+// most maximumFacesListed). When that reply would pass maximumBytes, the <fontInfo> entries
+// are left out; when it still would, the reply is an "errorReply" saying so.
+std::string answerFontRequest(FontRequestContext& context, const Request& request,
+                              const std::string& application, const std::string& protocolVersion);
 
 // Whether vellumine would rather show its own choice than let the application activate on
 // its own: several faces of the requested type match and none of them is active, so the

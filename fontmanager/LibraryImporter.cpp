@@ -43,7 +43,7 @@ std::filesystem::path LibraryImporter::metricsFileFor(const std::filesystem::pat
 
 ImportReport LibraryImporter::add(const std::vector<std::filesystem::path>& paths) {
     ImportReport report;
-    SqliteTransaction transaction(catalog.database());
+    std::vector<ReadFile> files;
     for (const auto& path : paths) {
         std::error_code error;
         const auto status = std::filesystem::status(path, error);
@@ -51,25 +51,26 @@ ImportReport LibraryImporter::add(const std::vector<std::filesystem::path>& path
             report.missingPaths = true;
             report.messages.push_back(path.string() + ": no such file or folder");
         } else if (std::filesystem::is_directory(status)) {
-            addFolder(path, report);
+            readFolder(path, report, files);
         } else {
-            addFile(path, report);
+            readFile(path, report, files);
         }
     }
-    transaction.commit();
+    record(files, report);
     return report;
 }
 
-void LibraryImporter::addFolder(const std::filesystem::path& folder, ImportReport& report) {
+void LibraryImporter::readFolder(const std::filesystem::path& folder, ImportReport& report,
+                                 std::vector<ReadFile>& files) {
     std::error_code error;
     std::filesystem::recursive_directory_iterator walk(
         folder, std::filesystem::directory_options::skip_permission_denied, error);
-    std::vector<std::filesystem::path> files;
+    std::vector<std::filesystem::path> found;
     for (; !error && walk != std::filesystem::recursive_directory_iterator();
          walk.increment(error)) {
         std::error_code typeError;
         if (walk->is_regular_file(typeError) && hasFontExtension(walk->path())) {
-            files.push_back(walk->path());
+            found.push_back(walk->path());
         }
     }
     if (error) {
@@ -77,13 +78,14 @@ void LibraryImporter::addFolder(const std::filesystem::path& folder, ImportRepor
                                   ")");
         report.missingPaths = true;
     }
-    std::sort(files.begin(), files.end()); // the same folder gives the same identifiers
-    for (const auto& file : files) {
-        addFile(file, report);
+    std::sort(found.begin(), found.end()); // the same folder gives the same identifiers
+    for (const auto& file : found) {
+        readFile(file, report, files);
     }
 }
 
-void LibraryImporter::addFile(const std::filesystem::path& file, ImportReport& report) {
+void LibraryImporter::readFile(const std::filesystem::path& file, ImportReport& report,
+                               std::vector<ReadFile>& files) {
     std::error_code error;
     const auto canonical = std::filesystem::canonical(file, error);
     if (error) {
@@ -91,7 +93,13 @@ void LibraryImporter::addFile(const std::filesystem::path& file, ImportReport& r
         report.messages.push_back("skipped " + file.string() + ": " + error.message());
         return;
     }
-    const FontFileReading reading = reader.read(canonical);
+    // Opening a FIFO would wait for a writer, a device would be read without end.
+    if (!std::filesystem::is_regular_file(canonical, error)) {
+        report.filesSkipped++;
+        report.messages.push_back("skipped " + file.string() + ": not a regular file");
+        return;
+    }
+    FontFileReading reading = reader.read(canonical);
     for (const auto& problem : reading.problems) {
         report.messages.push_back("skipped " + canonical.string() + ": " + problem);
         Logger::log("vellumine-add", canonical.string() + ": " + problem);
@@ -102,13 +110,28 @@ void LibraryImporter::addFile(const std::filesystem::path& file, ImportReport& r
     }
     const auto metrics = reading.faces.front().type == FaceType::type1 ? metricsFileFor(canonical)
                                                                        : std::filesystem::path();
-    for (const auto& face : reading.faces) {
-        const AddedFace added = catalog.addFace(canonical, metrics, face);
-        (added.isNew ? report.facesAdded : report.facesKnown)++;
-        report.messages.push_back(std::string(added.isNew ? "added " : "known ") +
-                                  std::to_string(added.id) + " " + face.postScriptName + " (" +
-                                  wireText(face.type) + ") " + canonical.string());
-    }
+    files.push_back({canonical, metrics, std::move(reading.faces)});
+}
+
+void LibraryImporter::record(const std::vector<ReadFile>& files, ImportReport& report) {
+    std::vector<std::string> messages;
+    ImportReport counts;
+    catalog.write([&] {
+        messages.clear(); // tried again after a busy catalog
+        counts = {};
+        for (const auto& file : files) {
+            for (const auto& face : file.faces) {
+                const AddedFace added = catalog.addFace(file.file, file.metrics, face);
+                (added.isNew ? counts.facesAdded : counts.facesKnown)++;
+                messages.push_back(std::string(added.isNew ? "added " : "known ") +
+                                   std::to_string(added.id) + " " + face.postScriptName + " (" +
+                                   wireText(face.type) + ") " + file.file.string());
+            }
+        }
+    });
+    report.facesAdded += counts.facesAdded;
+    report.facesKnown += counts.facesKnown;
+    report.messages.insert(report.messages.end(), messages.begin(), messages.end());
 }
 
 } // namespace Vellumine

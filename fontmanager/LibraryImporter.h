@@ -18,7 +18,9 @@ struct ImportReport {
 };
 
 // Brings font files into the catalog: files as named, folders recursively (font file
-// extensions only). Damaged files are reported in the report and skipped.
+// extensions only). Damaged files and anything but regular files (FIFOs, devices, sockets)
+// are reported in the report and skipped. Every file is read before the catalog's write
+// transaction begins, so that a slow file never holds the catalog's lock.
 class LibraryImporter {
 public:
     LibraryImporter(Catalog& catalog, const FaceReader& reader);
@@ -30,8 +32,17 @@ public:
     static bool hasFontExtension(const std::filesystem::path& file);
 
 private:
-    void addFolder(const std::filesystem::path& folder, ImportReport& report);
-    void addFile(const std::filesystem::path& file, ImportReport& report);
+    struct ReadFile {
+        std::filesystem::path file;
+        std::filesystem::path metrics;
+        std::vector<FaceDescription> faces;
+    };
+
+    void readFolder(const std::filesystem::path& folder, ImportReport& report,
+                    std::vector<ReadFile>& files);
+    void readFile(const std::filesystem::path& file, ImportReport& report,
+                  std::vector<ReadFile>& files);
+    void record(const std::vector<ReadFile>& files, ImportReport& report);
 
     Catalog& catalog;
     const FaceReader& reader;

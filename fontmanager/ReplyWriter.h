@@ -25,6 +25,9 @@ public:
     // <fontInfo> with its two children: the container identifier, then a description.
     ReplyWriter& fontInfo(const std::string& containerID, const std::string& description);
 
+    // Bytes written so far.
+    std::size_t size() const { return text.size(); }
+
     // The reply with its closing "</cmd>" line.
     std::string finish();
 

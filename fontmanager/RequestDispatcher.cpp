@@ -43,6 +43,11 @@ std::string RequestDispatcher::answer(const std::string& requestText) {
         std::string reply = dispatch(parsed.request);
         Logger::log(logTag, "answered " + parsed.request.command + " with " +
                                 std::to_string(reply.size()) + " bytes");
+        if (reply.size() > options.replyLimits.maximumBytes) {
+            return errorReply("the reply would pass " +
+                              std::to_string(options.replyLimits.maximumBytes) +
+                              " bytes; ask for fewer fonts at once");
+        }
         return reply;
     } catch (const std::exception& error) {
         Logger::log(logTag, "failed " + parsed.request.command + ": " + error.what());
@@ -55,10 +60,11 @@ std::string RequestDispatcher::dispatch(const Request& request) {
     const std::string& version = options.protocolVersion;
     if (command == "fontRequest") {
         rememberTarget(request);
-        return answerFontRequest(catalog, request, version);
+        FontRequestContext context{catalog, activation, changes, options.replyLimits};
+        return answerFontRequest(context, request, requester(request), version);
     }
     if (command == "activationRequest") {
-        return answerActivationRequest(catalog, activation, changes, request, version);
+        return answerActivationRequest(activation, changes, request, version);
     }
     if (command == "showRequest") {
         rememberTarget(request);
@@ -73,6 +79,10 @@ std::string RequestDispatcher::dispatch(const Request& request) {
 
 std::string RequestDispatcher::errorReply(const std::string& why) const {
     return ReplyWriter("errorReply", options.protocolVersion).element("error", why).finish();
+}
+
+std::string RequestDispatcher::requester(const Request& request) {
+    return isSignature(request.targetApp) ? request.targetApp : "an unnamed application";
 }
 
 void RequestDispatcher::rememberTarget(const Request& request) {

@@ -2,6 +2,7 @@
 
 #include "fontmanager/Activation.h"
 #include "fontmanager/Catalog.h"
+#include "fontmanager/FontRequestHandler.h"
 #include "fontmanager/LibraryChanges.h"
 #include "fontmanager/RequestParser.h"
 
@@ -14,11 +15,13 @@ namespace Vellumine {
 struct DispatcherOptions {
     std::string protocolVersion = "2.0";
     RequestLimits limits;
+    ReplyLimits replyLimits;
 };
 
 // Turns one request text into its reply text. Never throws: a malformed request, an
-// unknown command or a failing catalog gives an "errorReply" carrying the protocol version
-// and an <error> line, and the refusal is logged. Remembers the applications that name
+// unknown command, a failing catalog or a reply that would pass the reply size limit gives
+// an "errorReply" carrying the protocol version and an <error> line, and the refusal is
+// logged. Remembers the applications that name
 // themselves with <targetApp> so that they hear of later library changes.
 class RequestDispatcher {
 public:
@@ -33,6 +36,8 @@ private:
     std::string dispatch(const Request& request);
     std::string errorReply(const std::string& why) const;
     void rememberTarget(const Request& request);
+    // The application a request comes from, as recorded with automatic activations.
+    static std::string requester(const Request& request);
 
     Catalog& catalog;
     Activation& activation;

@@ -4,6 +4,7 @@
 #include "fontmanager/Catalog.h"
 #include "fontmanager/ChangeForwarder.h"
 #include "fontmanager/LibraryChanges.h"
+#include "fontmanager/LibraryCheck.h"
 #include "fontmanager/RequestDispatcher.h"
 #include "foundation/Logger.h"
 #include "platform/Status.h"
@@ -15,7 +16,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <cstdlib>
 #include <poll.h>
+#include <systemd/sd-bus.h>
+#include <thread>
 
 namespace Vellumine {
 
@@ -25,6 +29,9 @@ const std::string logTag = "vellumine-serve";
 
 // How often the loop looks at the library-change notification when the bus is quiet.
 constexpr int notificationPollMillis = 50;
+// After losing the bus connection (the bus daemon drops a connection that sends a message
+// past its limits, or restarts), the server connects again this many times.
+constexpr int reconnectAttempts = 3;
 
 std::atomic<bool> stopRequested{false};
 
@@ -80,18 +87,23 @@ private:
     int token = -1;
 };
 
-int runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forwarder) {
+enum class LoopEnd { stopped, busLost, failed };
+
+LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forwarder) {
     ChangeWatch watch;
-    forwarder.skipPastChanges();
     while (!stopRequested) {
         pollfd descriptor{events.fd(), static_cast<short>(events.events()), 0};
         if (poll(&descriptor, 1, pollTimeout(events)) < 0 && errno != EINTR) {
             Logger::log(logTag, std::string("poll failed: ") + std::strerror(errno));
-            return 1;
+            return LoopEnd::failed;
         }
         if (events.processPending() != Platform::Status::ok) {
-            Logger::log(logTag, "lost the session bus");
-            return 1;
+            // One message that could not be handled or answered must not end the service.
+            if (sd_bus_is_open(events.bus()) <= 0) {
+                Logger::log(logTag, "lost the session bus");
+                return LoopEnd::busLost;
+            }
+            Logger::log(logTag, "a message failed; serving on");
         }
         // The server's own changes post the notification too: one road for all of them.
         if (watch.fired()) {
@@ -99,36 +111,90 @@ int runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forwarder) 
         }
     }
     Logger::log(logTag, "stopping");
-    return 0;
+    return LoopEnd::stopped;
+}
+
+std::string busDescription() {
+    const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    return address != nullptr && *address != '\0' ? std::string("at ") + address
+                                                   : "(DBUS_SESSION_BUS_ADDRESS is not set)";
+}
+
+// Connects and owns the service name; on failure says why and sets the exit status.
+std::unique_ptr<Platform::Linux::DBusAppEvents> connect(std::ostream& errors, int& exitStatus) {
+    int status = 0;
+    auto events = Platform::Linux::DBusAppEvents::open(serviceBusName, status);
+    if (status == Platform::Status::permissionDenied) {
+        errors << "vellumine: another vellumine already serves " << serviceBusName
+               << " on this session bus\n";
+        exitStatus = 3;
+    } else if (!events) {
+        errors << "vellumine: cannot connect to the session bus " << busDescription()
+               << ": no session bus is running there, or it refused the connection\n";
+        exitStatus = 1;
+    }
+    return events;
+}
+
+std::unique_ptr<Platform::Linux::DBusAppEvents> reconnect(std::ostream& errors, int& exitStatus) {
+    for (int attempt = 1; attempt <= reconnectAttempts && !stopRequested; ++attempt) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200 * attempt));
+        if (auto events = connect(errors, exitStatus)) {
+            Logger::log(logTag, "connected to the session bus again");
+            return events;
+        }
+        if (exitStatus == 3) {
+            break;
+        }
+    }
+    return nullptr;
+}
+
+void reconcile(Catalog& catalog, const LibraryPaths& paths) {
+    const LibraryCheckReport report = checkLibrary(catalog, paths.activationFolder(), true);
+    for (const auto& problem : report.problems) {
+        Logger::log(logTag, "found on start: " + problem);
+    }
+    for (const auto& repair : report.repairs) {
+        Logger::log(logTag, "repaired on start: " + repair);
+    }
 }
 
 } // namespace
 
 int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& errors) {
     installSignalHandlers();
-    int status = 0;
-    auto events = Platform::Linux::DBusAppEvents::open(serviceBusName, status);
-    if (status == Platform::Status::permissionDenied) {
-        errors << "vellumine: another vellumine already serves " << serviceBusName
-               << " on this session bus\n";
-        return 3;
-    }
+    int exitStatus = 0;
+    auto events = connect(errors, exitStatus);
     if (!events) {
-        errors << "vellumine: cannot connect to the session bus (status " << status << ")\n";
-        return 1;
+        return exitStatus;
     }
     Catalog catalog(paths.catalogFile());
+    // A command killed half-way leaves a link nothing records, or a record without link.
+    reconcile(catalog, paths);
     Activation activation(catalog, paths.activationFolder());
     LibraryChanges changes(catalog);
-    RequestDispatcher dispatcher(catalog, activation, changes, {options.protocolVersion, {}});
+    RequestDispatcher dispatcher(catalog, activation, changes, {options.protocolVersion, {}, {}});
     ChangeForwarder forwarder(catalog,
                               [&](const std::string& signature, const Platform::AppEvent& event) {
                                   return events->sendNoReply(signature, event);
                               });
-    events->installHandler(requestEventClass, "****", answerRequest, &dispatcher);
+    forwarder.skipPastChanges();
     Logger::log(logTag, "serving " + serviceBusName + " with protocol version " +
                             options.protocolVersion + ", catalog " + paths.catalogFile().string());
-    return runLoop(*events, forwarder);
+    for (;;) {
+        events->installHandler(requestEventClass, "****", answerRequest, &dispatcher);
+        const LoopEnd end = runLoop(*events, forwarder);
+        if (end != LoopEnd::busLost) {
+            return end == LoopEnd::stopped ? 0 : 1;
+        }
+        events.reset();
+        events = reconnect(errors, exitStatus);
+        if (!events) {
+            errors << "vellumine: lost the session bus and could not connect again\n";
+            return exitStatus != 0 ? exitStatus : 1;
+        }
+    }
 }
 
 } // namespace Vellumine

@@ -9,15 +9,17 @@ namespace Vellumine {
 namespace {
 
 void record(Catalog& catalog, const std::string& kind, const Request& request) {
-    SqliteTransaction transaction(catalog.database());
+    catalog.write([&] {
+        for (const auto& font : request.fonts) {
+            catalog.recordWindowlessRequest(
+                {0, kind, 0, request.targetApp, font.psName, font.containerID, font.type});
+        }
+    });
     for (const auto& font : request.fonts) {
-        catalog.recordWindowlessRequest(
-            {0, kind, 0, request.targetApp, font.psName, font.containerID, font.type});
         Logger::log("vellumine-" + kind + "Request",
                     (kind == "buy" ? "wish list: " : "asked to show ") + font.psName +
                         (font.containerID.empty() ? "" : " (container " + font.containerID + ")"));
     }
-    transaction.commit();
 }
 
 } // namespace
@@ -26,8 +28,10 @@ std::string answerShowRequest(Catalog& catalog, const Request& request,
                               const std::string& protocolVersion) {
     record(catalog, "show", request);
     ReplyWriter reply("showReply", protocolVersion);
+    SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
+    FontMatcher matcher(catalog);
     for (const auto& font : request.fonts) {
-        const FontMatch match = matchFont(catalog, font);
+        const FontMatch& match = matcher.match(font);
         const FaceRecord* best = match.bestFace();
         const std::string type = match.requestedType ? wireText(*match.requestedType)
                                  : best              ? wireText(best->type)
@@ -38,6 +42,7 @@ std::string answerShowRequest(Catalog& catalog, const Request& request,
             .element("count", std::to_string(match.faces.size()))
             .closeFont();
     }
+    snapshot.commit();
     reply.element("showWindow", std::string("0"));
     reply.element("message", std::string("recorded; see vellumine status"));
     return reply.finish();

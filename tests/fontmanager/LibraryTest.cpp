@@ -3,9 +3,12 @@
 #include "fontmanager/Activation.h"
 #include "fontmanager/Catalog.h"
 #include "fontmanager/FaceReader.h"
+#include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace Vellumine {
 namespace {
@@ -165,6 +168,82 @@ TEST_F(LibraryTest, ActivationFailsCleanlyForUnknownFacesAndVanishedFiles) {
     const ActivationResult result = activation.activate(catalog.allFaces().at(0).id);
     EXPECT_EQ(result.outcome, ActivationResult::Outcome::failed);
     EXPECT_NE(result.message.find("gone"), std::string::npos);
+}
+
+TEST_F(LibraryTest, RefusesFilesItCannotUseWithoutBlockingOrLosingAnything) {
+    const auto fifo = scratch.path() / "pipe.ttf";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    const auto replaced = scratch.write("Replaced.ttf", readFile(dejaVuSans));
+    const ImportReport report = importer.add({fifo, replaced});
+    EXPECT_EQ(report.filesSkipped, 1);
+    EXPECT_NE(report.messages.at(0).find("not a regular file"), std::string::npos);
+
+    scratch.write("Replaced.ttf", "garbage where a font was");
+    const ActivationResult result = activation.activate(catalog.allFaces().at(0).id);
+    EXPECT_EQ(result.outcome, ActivationResult::Outcome::failed);
+    EXPECT_NE(result.message.find("no longer holds"), std::string::npos) << result.message;
+    EXPECT_EQ(readFile(replaced), "garbage where a font was");
+}
+
+TEST_F(LibraryTest, ActivatesFilesWithNamesAsLongAsAFolderAllows) {
+    const std::string stem(250, 'x');
+    for (const std::string& name : {stem + ".ttf", std::string(70, 'y') + "\xC3\xA9" + stem}) {
+        const auto file = scratch.path() / name.substr(0, 255);
+        std::filesystem::copy_file(dejaVuSans, file);
+        const auto added = catalog.addFace(file, {}, reader.read(file).faces.at(0));
+        ASSERT_TRUE(activation.activate(added.id).succeeded()) << name;
+        const auto link = catalog.link(added.id)->link.filename().string();
+        EXPECT_LE(link.size(), 255u);
+        EXPECT_EQ(std::filesystem::read_symlink(catalog.link(added.id)->link), file);
+    }
+}
+
+TEST_F(LibraryTest, CheckFindsAndRepairsWhatAKilledCommandLeftBehind) {
+    const auto collection = scratch.write("Pair.ttc", makeCollection({dejaVuSans, dejaVuSerif}));
+    importer.add({collection, nimbusRomanType1});
+    const auto faces = catalog.allFaces();
+    ASSERT_EQ(faces.size(), 3u);
+    ASSERT_TRUE(activation.activate(faces[0].id).succeeded());
+    ASSERT_TRUE(activation.activate(faces[1].id).succeeded());
+    std::filesystem::remove(catalog.link(faces[0].id)->link); // both faces lose their link
+    // Killed between linking and recording; and a file of the user's, never ours to touch.
+    const auto leftover = activationFolder() / Activation::linkName(faces[2].id, faces[2].file);
+    std::filesystem::create_symlink(faces[2].file, leftover);
+    const auto users = scratch.write("fonts/vellumine/9-mine.ttf", "user's file");
+    catalog.database().execute("UPDATE faces SET type = 'SVG' WHERE id = " +
+                               std::to_string(faces[1].id));
+
+    EXPECT_EQ(catalog.allFaces().size(), 2u); // the unknown type does not break listing
+    EXPECT_EQ(checkLibrary(catalog, activationFolder(), false).problems.size(), 4u);
+    const auto repaired = checkLibrary(catalog, activationFolder(), true);
+    EXPECT_EQ(repaired.repairs.size(), 3u);
+    EXPECT_EQ(catalog.activeFaceCount(), 0);
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(leftover)));
+    EXPECT_EQ(readFile(users), "user's file");
+    const auto after = checkLibrary(catalog, activationFolder(), false).problems;
+    ASSERT_EQ(after.size(), 1u);
+    EXPECT_NE(after[0].find("unknown type 'SVG'"), std::string::npos);
+}
+
+TEST_F(LibraryTest, ACatalogThatCannotBeWrittenCanStillBeReadAndErrorsNameIt) {
+    importer.add({dejaVuSans});
+    const auto file = scratch.path() / "vellumine" / "library.db";
+    Catalog readOnly(file, Catalog::Access::readOnly);
+    EXPECT_EQ(readOnly.allFaces().size(), 1u);
+    EXPECT_TRUE(readOnly.autoActivation());
+    try {
+        readOnly.setAutoActivation(false);
+        ADD_FAILURE() << "wrote a read-only catalog";
+    } catch (const SqliteError& error) {
+        EXPECT_NE(std::string(error.what()).find(file.string()), std::string::npos);
+    }
+    const auto garbage = scratch.write("garbage.db", std::string(4096, 'g'));
+    try {
+        Catalog broken(garbage);
+        ADD_FAILURE() << "opened garbage as a catalog";
+    } catch (const SqliteError& error) {
+        EXPECT_NE(std::string(error.what()).find(garbage.string()), std::string::npos);
+    }
 }
 
 } // namespace

@@ -110,7 +110,7 @@ TEST_F(PluginAcceptance, ActivationShowAndBuyRepliesPassThePluginsChecks) {
 }
 
 TEST_F(PluginAcceptance, AnOlderAnnouncedVersionIsRejectedByThePlugin) {
-    RequestDispatcher older(catalog, activation, changes, {"1.5", {}});
+    RequestDispatcher older(catalog, activation, changes, {"1.5", {}, {}});
     answering = &older;
     VLM::VLMFontRequestEvent request;
     request.fonts = {makeFont("1", "NimbusRoman-Regular")};

@@ -93,11 +93,13 @@ TEST_F(RequestHandlingTest, FontPresentInTheRequestedTypeInAnotherTypeOrAbsent) 
     EXPECT_EQ(value(blocks[0], "protocolVersion"), "2.0");
     const std::string type1 = std::to_string(type1Id);
     const std::vector<std::string> expected[] = {
+        // The only face of its type: activated before the answer.
         {"syncID=s1", "type=T1", "familyName=Nimbus Roman", "count=2", "typeMatchingCount=1",
-         "typeMatchingContainerID=" + type1, "containerID=" + type1, "isActive=false"},
+         "typeMatchingContainerID=" + type1, "containerID=" + type1, "isActive=true",
+         "isTypeMatchingActive=true"},
         // The document still needs its own type.
         {"syncID=s2", "type=OT_T1", "count=1", "typeMatchingCount=0",
-         "typeMatchingContainerID=", "containerID=" + std::to_string(dejaVuId)},
+         "typeMatchingContainerID=", "containerID=" + std::to_string(dejaVuId), "isActive=false"},
         // Absent: the request echoed.
         {"syncID=9", "psName=Nowhere-Bold", "styleName=Bold", "count=0",
          "containerID=", "type=all"}};
@@ -128,6 +130,72 @@ TEST_F(RequestHandlingTest, AsksToShowItsWindowWhenTheUserHasAChoice) {
     expectElements(replyBlocks(dispatcher.answer(anyType))[1],
                    {"showWindow=0", "isTypeMatchingActive=true",
                     "containerID=" + std::to_string(openTypeId)}); // the active one
+}
+
+TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
+    const std::string bold = std::to_string(catalog.facesByPostScriptName("NimbusRoman-Bold")[0].id);
+    struct Case {
+        std::string font;
+        std::string activated; // container id, or empty
+        std::string showWindow;
+    };
+    for (const Case& c : {
+             Case{"<psName>NimbusRoman-Regular</psName>\n<type>OT_T1</type>\n",
+                  std::to_string(openTypeId), "0"},
+             Case{"<psName>X</psName>\n<familyName>NIMBUS ROMAN</familyName>\n"
+                  "<styleName>bold</styleName>\n",
+                  bold, "0"},
+             Case{"<psName>NimbusRoman-Regular</psName>\n", "", "1"}, // a choice to make
+             Case{"<psName>DejaVuSans</psName>\n<type>T1</type>\n", "", "0"}, // other type
+         }) {
+        SCOPED_TRACE(c.font);
+        const auto blocks = replyBlocks(dispatcher.answer(fontRequest({c.font})));
+        const auto automatic = catalog.autoActivatedLinks();
+        ASSERT_EQ(automatic.size(), c.activated.empty() ? 0u : 1u);
+        if (!c.activated.empty()) {
+            EXPECT_EQ(std::to_string(automatic[0].faceId) + " " + automatic[0].autoFor,
+                      c.activated + " InDn");
+            expectElements(blocks[1], {"isActive=true", "isTypeMatchingActive=true",
+                                       "containerID=" + c.activated});
+            activation.deactivate(automatic[0].faceId);
+        }
+        expectElements(blocks[1], {"showWindow=" + c.showWindow});
+    }
+    EXPECT_EQ(posts, 2); // each automatic activation announced
+
+    catalog.setAutoActivation(false);
+    dispatcher.answer(fontRequest({"<psName>DejaVuSans</psName>\n"}));
+    EXPECT_EQ(catalog.activeFaceCount(), 0);
+}
+
+TEST_F(RequestHandlingTest, RepliesStayWithinTheirSizeLimit) {
+    const std::string font = "<psName>NimbusRoman-Regular</psName>\n"; // two faces
+    const std::string request = fontRequest(std::vector<std::string>(20, font));
+    const std::size_t full = dispatcher.answer(request).size();
+    struct Case {
+        ReplyLimits limits;
+        std::size_t descriptions; // <description> lines in the reply
+        bool refused;
+    };
+    for (const Case& c : {Case{{full, 100}, 40, false}, Case{{full, 1}, 20, false},
+                          Case{{full - 1, 100}, 0, false}, Case{{full / 4, 100}, 0, true}}) {
+        SCOPED_TRACE(std::to_string(c.limits.maximumBytes) + " bytes, " +
+                     std::to_string(c.limits.maximumFacesListed) + " faces");
+        RequestDispatcher bounded{catalog, activation, changes, {"2.0", {}, c.limits}};
+        const std::string reply = bounded.answer(request);
+        const auto blocks = replyBlocks(reply);
+        EXPECT_LE(reply.size(), c.limits.maximumBytes);
+        std::size_t descriptions = 0;
+        for (const auto& block : blocks) {
+            descriptions += block.count("description");
+        }
+        EXPECT_EQ(descriptions, c.descriptions);
+        EXPECT_EQ(reply.starts_with("<cmd>errorReply</cmd>"), c.refused) << reply.substr(0, 200);
+        if (!c.refused) {
+            ASSERT_EQ(blocks.size(), 21u);
+            expectElements(blocks[20], {"count=2", "showWindow=1"});
+        }
+    }
 }
 
 TEST_F(RequestHandlingTest, ActivationRequestActivatesOnlyCatalogContainers) {

@@ -196,6 +196,56 @@ TEST_F(VellumineSession, SurvivesHostileRequests) {
               std::string::npos);
 }
 
+// No choice to make: the reply already reports the font active, fontconfig lists it, the
+// host hears of it, and the user can take back what vellumine did on its own.
+TEST_F(VellumineSession, AFontRequestActivatesWhatNeedsNoChoiceAndTellsTheHost) {
+    launch();
+    VLM::VLMFontRequestEvent request;
+    request.fonts = {makeFont("1", "DejaVuSans"), makeFont("2", "NimbusRoman-Regular")};
+    request.build();
+    ASSERT_NE(request.send(), nullptr) << request.getResult();
+    EXPECT_TRUE(request.fonts[0]->font.isActive);
+    EXPECT_TRUE(request.fonts[0]->font.isTypeMatchingActive);
+    EXPECT_FALSE(request.fonts[1]->font.isActive); // two candidates: the user chooses
+    EXPECT_TRUE(request.showWindow);
+    EXPECT_EQ(fontconfigFaces("DejaVuSans"), 1);
+    EXPECT_EQ(fontconfigFaces("NimbusRoman-Regular"), 0);
+    EXPECT_TRUE(waitForHostEvent("VLM4/FSBC"));
+
+    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "deactivate", "--auto"}), 0);
+    EXPECT_EQ(fontconfigFaces("DejaVuSans"), 0);
+}
+
+// Replies that would not fit into one bus message: a family of several faces asked for
+// tens of thousands of times is answered without the face lists; values that grow when
+// written (each "<" becomes a CDATA section) are refused. The server serves on.
+TEST_F(VellumineSession, ARequestWhoseReplyWouldNotFitTheBusIsAnsweredWithinTheLimit) {
+    launch();
+    const auto manyFonts = [](const std::string& font) {
+        std::string text = "<cmd>fontRequest</cmd>\n";
+        for (int i = 0; i < 40000; ++i) {
+            text += "<font>\n" + font + "</font>\n";
+        }
+        return text + "</cmd>\n";
+    };
+    std::string growing;
+    for (int i = 0; i < 150; ++i) {
+        growing += "<a";
+    }
+    const std::string family = sendRaw(manyFonts("<psName>NimbusRoman-Regular</psName>\n"));
+    EXPECT_TRUE(family.starts_with("<cmd>fontReply</cmd>")) << family.substr(0, 200);
+    EXPECT_EQ(family.find("<fontInfo>"), std::string::npos);
+    EXPECT_NE(family.find("<count>2</count>"), std::string::npos);
+    const std::string refused = sendRaw(manyFonts("<syncID>" + growing + "</syncID>\n"));
+    EXPECT_TRUE(refused.starts_with("<cmd>errorReply</cmd>")) << refused.substr(0, 200);
+    EXPECT_NE(refused.find("ask for fewer fonts"), std::string::npos);
+
+    EXPECT_NE(sendRaw("<cmd>fontRequest</cmd>\n<font>\n<psName>DejaVuSans</psName>\n</font>\n"
+                      "</cmd>\n")
+                  .find("<count>1</count>"),
+              std::string::npos);
+}
+
 TEST_F(VellumineSession, AnnouncesTheProtocolVersionItIsToldTo) {
     session.spawn({VELLUMINE_EXECUTABLE, "serve", "--protocol-version", "1.5"});
     ASSERT_TRUE(VlmTest::waitFor([&] { return vellumineRuns(); }));

@@ -1,0 +1,104 @@
+// The `vellumine` command as a user runs it, in process, on a private XDG data folder.
+#include "FontFixtures.h"
+
+#include "fontmanager/Cli.h"
+#include "fontmanager/LibraryPaths.h"
+#include "fontmanager/RequestDispatcher.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sstream>
+
+namespace Vellumine {
+namespace {
+
+using namespace VellumineTest;
+
+class CommandLineTest : public testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::create_directories(scratch.path() / "runtime");
+        std::filesystem::permissions(scratch.path() / "runtime", std::filesystem::perms::owner_all);
+        setenv("XDG_DATA_HOME", (scratch.path() / "data").c_str(), 1);
+        setenv("XDG_RUNTIME_DIR", (scratch.path() / "runtime").c_str(), 1);
+        setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
+    }
+
+    // Exit status, standard output and standard error of one command.
+    struct Run {
+        int status;
+        std::string out;
+        std::string errors;
+    };
+    Run run(const std::vector<std::string>& arguments) {
+        std::ostringstream out, errors;
+        const int status = runCli(arguments, out, errors);
+        return {status, out.str(), errors.str()};
+    }
+
+    void answerFontRequest(const std::string& psName) {
+        const auto paths = LibraryPaths::fromEnvironment();
+        Catalog catalog(paths.catalogFile());
+        Activation activation(catalog, paths.activationFolder());
+        LibraryChanges changes(catalog, [](const std::string&) { return 0; });
+        RequestDispatcher(catalog, activation, changes)
+            .answer("<cmd>fontRequest</cmd>\n<targetApp>InDn</targetApp>\n<font>\n<psName>" +
+                    psName + "</psName>\n</font>\n</cmd>\n");
+    }
+
+    ScratchFolder scratch;
+};
+
+TEST_F(CommandLineTest, ListsEveryFaceOnOneLineWhateverItsFileIsCalled) {
+    const auto odd = scratch.write("tab\there\nnew line\x1b.ttf", readFile(dejaVuSans));
+    ASSERT_EQ(run({"add", odd.string(), nimbusRomanType1.string()}).status, 0);
+    const Run listed = run({"list"});
+    EXPECT_EQ(listed.status, 0);
+    EXPECT_EQ(std::count(listed.out.begin(), listed.out.end(), '\n'), 2);
+    EXPECT_NE(listed.out.find("tab\\there\\nnew line\\x1b.ttf\n"), std::string::npos)
+        << listed.out;
+}
+
+TEST_F(CommandLineTest, AutomaticActivationsAreListedDeactivatedTogetherAndCanBeTurnedOff) {
+    run({"add", dejaVuSans.string(), dejaVuSerif.string(), nimbusRomanType1.string()});
+    run({"activate", "NimbusRoman-Regular"});
+    answerFontRequest("DejaVuSans");
+    answerFontRequest("NimbusRoman-Regular"); // active already, by the user
+    const Run status = run({"status"});
+    EXPECT_NE(status.out.find("activated automatically:\n  1\tDejaVuSans\tfor InDn\n"),
+              std::string::npos)
+        << status.out;
+    EXPECT_NE(status.out.find("auto-activation: on"), std::string::npos);
+
+    EXPECT_EQ(run({"deactivate", "--auto"}).status, 0);
+    EXPECT_EQ(run({"list", "--active"}).out.find("DejaVuSans"), std::string::npos);
+    EXPECT_NE(run({"list", "--active"}).out.find("NimbusRoman-Regular"), std::string::npos);
+
+    for (const auto& [arguments, expected] :
+         std::vector<std::pair<std::vector<std::string>, int>>{
+             {{"config", "auto-activate", "off"}, 0},
+             {{"config", "auto-activate", "maybe"}, 2},
+             {{"config", "colour", "on"}, 2}}) {
+        EXPECT_EQ(run(arguments).status, expected) << arguments[1] << " " << arguments[2];
+    }
+    EXPECT_EQ(run({"config"}).out, "auto-activate off\n");
+    answerFontRequest("DejaVuSerif");
+    EXPECT_EQ(run({"list", "--active"}).out.find("DejaVuSerif"), std::string::npos);
+}
+
+TEST_F(CommandLineTest, CheckSaysWhetherTheLibraryAndItsLinksAgree) {
+    run({"add", dejaVuSans.string()});
+    run({"activate", "DejaVuSans"});
+    EXPECT_EQ(run({"check"}).status, 0);
+    const auto folder = LibraryPaths::fromEnvironment().activationFolder();
+    std::filesystem::remove_all(folder);
+    EXPECT_EQ(run({"check"}).status, 1);
+    const Run repaired = run({"check", "--repair"});
+    EXPECT_EQ(repaired.status, 0);
+    EXPECT_NE(repaired.out.find("1 problem(s), 1 repaired"), std::string::npos) << repaired.out;
+    EXPECT_EQ(run({"check"}).status, 0);
+}
+
+} // namespace
+} // namespace Vellumine

@@ -1,0 +1,194 @@
+// Several vellumine processes change one library at once, for a bounded time; afterwards
+// the catalog and the activation folder must agree. The library starts empty, so the first
+// commands also race to create the catalog.
+#include "FontFixtures.h"
+
+#include "fontmanager/Activation.h"
+#include "fontmanager/Catalog.h"
+#include "fontmanager/LibraryPaths.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <fcntl.h>
+#include <iostream>
+#include <map>
+#include <set>
+#include <random>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Vellumine {
+namespace {
+
+using namespace VellumineTest;
+using Clock = std::chrono::steady_clock;
+
+constexpr int concurrentProcesses = 4;
+constexpr auto phaseTime = std::chrono::seconds(3);
+
+struct Outcome {
+    std::vector<std::string> arguments;
+    int status = -1; // exit status, or -1 when killed
+    std::string errors;
+};
+
+class LibraryStress : public testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::create_directories(scratch.path() / "runtime");
+        std::filesystem::permissions(scratch.path() / "runtime", std::filesystem::perms::owner_all);
+        setenv("XDG_DATA_HOME", (scratch.path() / "data").c_str(), 1);
+        setenv("XDG_RUNTIME_DIR", (scratch.path() / "runtime").c_str(), 1);
+        // Faces 1 and 2 share one collection file and so one link.
+        fonts = {scratch.write("Pair.ttc", makeCollection({dejaVuSans, dejaVuSerif})).string(),
+                 dejaVuSans.string(), nimbusRomanType1.string(), nimbusRomanOpenType.string()};
+    }
+
+    std::vector<std::string> addAll() const {
+        std::vector<std::string> add = {"add"};
+        add.insert(add.end(), fonts.begin(), fonts.end());
+        return add;
+    }
+
+    std::vector<std::string> randomCommand() {
+        const std::string id = std::to_string(std::uniform_int_distribution<>(1, 5)(random));
+        switch (std::uniform_int_distribution<>(0, 9)(random)) {
+        case 0: return addAll();
+        case 1: return {"list"};
+        case 2: return {"deactivate", "--auto"};
+        case 3: case 4: case 5: return {"deactivate", id};
+        default: return {"activate", id};
+        }
+    }
+
+    pid_t start(const std::vector<std::string>& arguments, int slot) {
+        const std::string errorsFile =
+            (scratch.path() / ("errors-" + std::to_string(slot))).string();
+        const pid_t pid = fork();
+        if (pid == 0) {
+            const int devNull = open("/dev/null", O_WRONLY);
+            const int errors = open(errorsFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            dup2(devNull, STDOUT_FILENO);
+            dup2(errors, STDERR_FILENO);
+            std::vector<char*> argv = {const_cast<char*>(VELLUMINE_EXECUTABLE)};
+            for (const auto& argument : arguments) {
+                argv.push_back(const_cast<char*>(argument.c_str()));
+            }
+            argv.push_back(nullptr);
+            execv(argv[0], argv.data());
+            _exit(127);
+        }
+        return pid;
+    }
+
+    // Keeps `concurrentProcesses` commands running until `time` has passed (the first round
+    // adds the fonts), killing every `killEvery`-th command soon after its start (0: none).
+    std::vector<Outcome> runCommands(Clock::duration time, int killEvery) {
+        std::vector<Outcome> outcomes;
+        std::map<pid_t, std::pair<int, Outcome>> running;
+        const auto end = Clock::now() + time;
+        int started = 0;
+        while (Clock::now() < end || !running.empty()) {
+            for (int slot = 0; slot < concurrentProcesses && Clock::now() < end; ++slot) {
+                const bool taken =
+                    std::any_of(running.begin(), running.end(),
+                                [&](const auto& entry) { return entry.second.first == slot; });
+                if (taken) {
+                    continue;
+                }
+                const bool first = started < concurrentProcesses;
+                Outcome outcome;
+                outcome.arguments = first ? addAll() : randomCommand();
+                const pid_t pid = start(outcome.arguments, slot);
+                if (killEvery > 0 && ++started % killEvery == 0) {
+                    usleep(std::uniform_int_distribution<useconds_t>(0, 20000)(random));
+                    kill(pid, SIGKILL);
+                } else if (killEvery == 0) {
+                    ++started;
+                }
+                running.emplace(pid, std::make_pair(slot, std::move(outcome)));
+            }
+            int status = 0;
+            const pid_t done = waitpid(-1, &status, 0);
+            auto found = running.find(done);
+            if (found == running.end()) {
+                continue;
+            }
+            Outcome outcome = std::move(found->second.second);
+            outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+            outcome.errors =
+                readFile(scratch.path() / ("errors-" + std::to_string(found->second.first)));
+            running.erase(found);
+            outcomes.push_back(std::move(outcome));
+        }
+        return outcomes;
+    }
+
+    // Every face recorded active has its link; every link in the folder is recorded.
+    void expectCatalogAndFolderAgree() {
+        const auto paths = LibraryPaths::fromEnvironment();
+        Catalog catalog(paths.catalogFile());
+        std::set<std::filesystem::path> recorded;
+        for (const auto& link : catalog.allLinks()) {
+            EXPECT_TRUE(Activation::isIntact(link)) << "face " << link.faceId << ": " << link.link;
+            recorded.insert(link.link);
+            recorded.insert(link.metricsLink);
+        }
+        std::error_code error;
+        for (const auto& entry :
+             std::filesystem::directory_iterator(paths.activationFolder(), error)) {
+            EXPECT_EQ(recorded.count(entry.path()), 1u) << "unrecorded " << entry.path();
+        }
+        EXPECT_EQ(catalog.faceCount(), 5);
+    }
+
+    std::string check(const std::string& argument = {}) {
+        std::vector<std::string> arguments = {"check"};
+        if (!argument.empty()) {
+            arguments.push_back(argument);
+        }
+        const pid_t pid = start(arguments, 99);
+        int status = 0;
+        waitpid(pid, &status, 0);
+        return std::to_string(WEXITSTATUS(status)) + " " + readFile(scratch.path() / "errors-99");
+    }
+
+    ScratchFolder scratch;
+    std::vector<std::string> fonts;
+    std::mt19937 random{20261123};
+};
+
+TEST_F(LibraryStress, ConcurrentCommandsKeepCatalogAndLinksInAgreement) {
+    const auto outcomes = runCommands(phaseTime, 0);
+    int busy = 0;
+    for (const auto& outcome : outcomes) {
+        const bool sawBusy = outcome.errors.find("busy") != std::string::npos;
+        busy += sawBusy ? 1 : 0;
+        // Failing is allowed only for a catalog that stayed busy, and said so.
+        EXPECT_TRUE(outcome.status == 0 || sawBusy)
+            << outcome.arguments[0] << " " << outcome.arguments.back() << ": status "
+            << outcome.status << ", " << outcome.errors;
+    }
+    std::cout << outcomes.size() << " commands by " << concurrentProcesses
+              << " processes at once, " << busy << " told of a busy catalog\n";
+    EXPECT_GT(outcomes.size(), static_cast<std::size_t>(concurrentProcesses));
+    EXPECT_EQ(check(), "0 ");
+    expectCatalogAndFolderAgree();
+}
+
+// Commands killed at any point leave at most links nothing records and records whose link
+// is gone; `check --repair` (which the server also runs on start) restores agreement.
+TEST_F(LibraryStress, CommandsKilledHalfwayLeaveNothingThatCheckCannotRepair) {
+    const auto outcomes = runCommands(phaseTime, 3);
+    std::cout << outcomes.size() << " commands, every third killed\n";
+    EXPECT_EQ(check("--repair"), "0 ");
+    EXPECT_EQ(check(), "0 ");
+    expectCatalogAndFolderAgree();
+}
+
+} // namespace
+} // namespace Vellumine
