@@ -1,5 +1,10 @@
 #include "host/app/FontsCommand.h"
+#include "host/batch/BatchCommand.h"
 
+#include <unistd.h>
+
+#include <climits>
+#include <cstdlib>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -7,7 +12,23 @@
 namespace {
 
 void printUsage(std::ostream& out) {
-    out << "usage: galley fonts FILE.idml [--json]   print the document's fonts, missing first\n";
+    out << "usage: galley --batch FILE.idml [--timeout SECONDS] [ACTION...]\n"
+           "       galley fonts FILE.idml [--json]\n"
+           "       galley FILE.idml\n"
+           "\n"
+           "  --batch   open the document without a window; the plug-ins respond and their dialogs\n"
+           "            are shown as text (galley --batch --help for the actions)\n"
+           "  fonts     print the document's fonts, missing first (no plug-ins)\n"
+           "\n"
+           "Example: galley --batch brochure.idml\n";
+}
+
+std::string executablePath(const char* argv0) {
+    char path[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+    if (length <= 0)
+        return argv0;
+    return std::string(path, static_cast<std::size_t>(length));
 }
 
 } // namespace
@@ -20,9 +41,16 @@ int main(int argc, char** argv) {
     }
     if (arguments[0] == "fonts")
         return Galley::runFontsCommand({arguments.begin() + 1, arguments.end()});
-    // Opening a document in a window and `--batch` belong to the application runtime, which
-    // this build does not contain yet.
-    std::cerr << "galley: \"" << arguments[0] << "\": only the fonts command is available\n";
-    printUsage(std::cerr);
+    if (arguments[0] == "--batch") {
+        if (arguments.size() > 1 && (arguments[1] == "--help" || arguments[1] == "-h")) {
+            Galley::printBatchUsage(std::cout);
+            return 0;
+        }
+        return Galley::runBatchCommand({arguments.begin() + 1, arguments.end()}, executablePath(argv[0]));
+    }
+    // The window needs the desktop build; batch mode runs everywhere.
+    std::cerr << "galley: this build has no window; open the document with\n"
+                 "  galley --batch "
+              << arguments[0] << "\n";
     return 2;
 }

@@ -27,6 +27,16 @@ using ClassID = uint32;   // class of a change that a subject announces
 using PMIID = uint32;     // interface (protocol) identifier
 using ServiceID = uint32; // host service identifier
 
+using int16 = std::int16_t;
+using ActionID = uint32;         // a menu action
+using WidgetID = uint32;         // a widget of a dialog description (its `widgetID`)
+using RsrcID = uint32;           // a resource of a plug-in (dialogs, rows, list elements)
+using PluginID = uint32;         // a plug-in's identifier prefix
+using ImplementationID = uint32; // a class a plug-in registers (its k...Impl)
+
+inline constexpr WidgetID kInvalidWidgetID = 0;
+inline constexpr WidgetID kDefaultWidgetId = 0;
+
 using ErrorCode = int32;
 inline constexpr ErrorCode kSuccess = 0;
 inline constexpr ErrorCode kFailure = 1;

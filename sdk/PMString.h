@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+class IPMStream;
+
 // The host's display string. Text is kept as UTF-16 like WideString; the 8-bit
 // constructors take UTF-8. The translatable flag marks texts the host should look up in
 // the plug-in's string tables (keys such as "0x11f300kVellumineMissingTextKey").
@@ -22,6 +24,8 @@ public:
     void Append(const PMString& other);
     void Append(std::string_view utf8);
     void clear() { text = WideString(); }
+    // Reads or writes the text, in the stream's direction.
+    void ReadWrite(IPMStream* stream);
 
     bool IsEmpty() const { return text.empty(); }
     std::size_t CharCount() const { return text.CharCount(); }

@@ -113,6 +113,13 @@ bool FontconfigFontSystem::changedSinceLoad() {
     return !config_ || !sameTimes(folders_, snapshotFolders());
 }
 
+std::vector<std::string> FontconfigFontSystem::watchedFolders() const {
+    std::vector<std::string> folders;
+    for (const auto& [folder, time] : folders_)
+        folders.push_back(folder);
+    return folders;
+}
+
 FontconfigFontSystem::FolderTimes FontconfigFontSystem::snapshotFolders() const {
     FolderTimes times;
     addFolders(FcConfigGetConfigDirs(config_), times);

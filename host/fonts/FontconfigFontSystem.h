@@ -27,6 +27,8 @@ public:
 
     std::vector<InstalledFace> load() override;
     bool changedSinceLoad() override;
+    // Every configured and scanned font folder as of the last load.
+    std::vector<std::string> watchedFolders() const override;
 
 private:
     using FolderTimes = std::map<std::string, std::timespec>;

@@ -30,6 +30,8 @@ public:
     virtual std::vector<InstalledFace> load() = 0;
     // True when the faces may have changed since the last load.
     virtual bool changedSinceLoad() = 0;
+    // The folders whose changes can change the faces (for a watch); empty when unknown.
+    virtual std::vector<std::string> watchedFolders() const { return {}; }
 };
 
 } // namespace Galley

@@ -4,6 +4,8 @@
 #include "host/session/TextAttrUtils.h"
 #include "sdk/ISession.h"
 
+#include <functional>
+
 namespace Galley {
 
 // The host session: the font manager over a face source and the text-attribute utilities.
@@ -17,11 +19,26 @@ public:
 
     IFontMgr* GetFontMgr() override { return &fontMgr_; }
     ITextAttrUtils* GetTextAttrUtils() override { return &textAttrUtils_; }
+    IApplication* QueryApplication() override { return application_; }
+    ILayoutUIUtils* QueryLayoutUIUtils() override { return layout_; }
+    IObserver* QueryObserver(PMIID iid) override { return observers_ ? observers_(iid) : nullptr; }
+
+    // The application runtime, once it runs: its dialogs, its front document and the
+    // observers plug-ins keep on the session.
+    void attachRuntime(IApplication* application, ILayoutUIUtils* layout,
+                       std::function<IObserver*(PMIID)> observers) {
+        application_ = application;
+        layout_ = layout;
+        observers_ = std::move(observers);
+    }
     SessionFontMgr& fonts() { return fontMgr_; }
 
 private:
     SessionFontMgr fontMgr_;
     TextAttrUtils textAttrUtils_;
+    IApplication* application_ = nullptr;
+    ILayoutUIUtils* layout_ = nullptr;
+    std::function<IObserver*(PMIID)> observers_;
 };
 
 } // namespace Galley

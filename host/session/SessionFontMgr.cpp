@@ -67,7 +67,12 @@ int32 SessionFontMgr::GetFontCount(bool, int32 filter) const {
 }
 
 bool SessionFontMgr::UpdateFontList() {
-    if (!source_.changedSinceLoad() || !adopt(source_.load()))
+    bool changed = source_.changedSinceLoad();
+    if (!changed && changeWait_) {
+        changeWait_();
+        changed = source_.changedSinceLoad();
+    }
+    if (!changed || !adopt(source_.load()))
         return false;
     subject_.Change(kFontSystemChangedMessage, IID_IFONTMGR, nullptr);
     return true;

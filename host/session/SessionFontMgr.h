@@ -5,6 +5,7 @@
 #include "host/session/Subject.h"
 #include "sdk/IFontMgr.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -24,6 +25,12 @@ public:
     IFontFamily* GetNthFontFamily(int32 index) const override;
     IFontFamily* QueryFontFamily(const PMString& familyName) const override;
     ISubject* GetSubject() override { return &subject_; }
+
+    // Called by UpdateFontList when the folders show no change, to wait briefly for one (the
+    // runtime waits up to a tick on its font-folder watch), so that a caller polling the
+    // font list in a loop sleeps instead of spinning.
+    void setChangeWait(std::function<void()> wait) { changeWait_ = std::move(wait); }
+    const FaceSource& source() const { return source_; }
 
     // The installed face with that PostScript name. When several formats carry the name
     // (URW base35 ships each face as Type 1 and OpenType CFF), a face of `preferred` type
@@ -45,6 +52,7 @@ private:
     std::vector<InstalledFont*> current_;
     std::vector<InstalledFamily*> currentFamilies_;
     Subject subject_;
+    std::function<void()> changeWait_;
 };
 
 } // namespace Galley

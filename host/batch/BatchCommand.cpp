@@ -1,0 +1,174 @@
+#include "host/batch/BatchCommand.h"
+
+#include "host/batch/BatchPlayer.h"
+#include "host/batch/TerminalPresenter.h"
+#include "host/document/IdmlDocument.h"
+#include "host/fonts/FontconfigFontSystem.h"
+#include "host/idml/IdmlError.h"
+#include "host/runtime/PluginLoader.h"
+#include "host/runtime/Runtime.h"
+#include "host/runtime/SdEventLoop.h"
+#include "host/session/GalleySession.h"
+#include "platform/Status.h"
+#include "platform/linux/DefaultServices.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+namespace Galley {
+
+namespace {
+
+constexpr int defaultTimeoutSeconds = 30;
+constexpr const char* hostBusName = "org.galley.Galley";
+
+struct BatchOptions {
+    std::string document;
+    int timeoutSeconds = defaultTimeoutSeconds;
+    std::vector<BatchAction> actions;
+};
+
+std::optional<BatchOptions> parseOptions(const std::vector<std::string>& arguments) {
+    BatchOptions options;
+    std::vector<std::string> words;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& word = arguments[i];
+        if (word == "--timeout") {
+            if (i + 1 >= arguments.size())
+                throw std::invalid_argument("--timeout needs a number of seconds");
+            const std::string& value = arguments[++i];
+            std::size_t used = 0;
+            const int seconds = std::stoi(value, &used);
+            if (used != value.size() || seconds <= 0 || seconds > 24 * 3600)
+                throw std::invalid_argument("--timeout takes whole seconds from 1 to 86400, not \"" + value + "\"");
+            options.timeoutSeconds = seconds;
+        } else if (options.document.empty()) {
+            options.document = word;
+        } else {
+            words.push_back(word);
+        }
+    }
+    if (options.document.empty())
+        return std::nullopt;
+    options.actions = parseBatchActions(words);
+    return options;
+}
+
+// The session bus under the host's name; without the name when another Galley owns it.
+std::unique_ptr<Platform::Linux::DefaultServices> installServices(TerminalPresenter& view) {
+    int status = Platform::Status::ok;
+    auto services = Platform::Linux::DefaultServices::install(hostBusName, status);
+    if (status == Platform::Status::permissionDenied) {
+        services.reset();
+        services = Platform::Linux::DefaultServices::install("", status);
+        view.status(std::string("another Galley owns ") + hostBusName +
+                    "; the font manager's news goes to that one");
+    } else if (status != Platform::Status::ok) {
+        view.status("no session bus: the font manager cannot be reached");
+    }
+    return services;
+}
+
+int countMissing(GalleySession& session, IdmlDocument& document, std::ostream& err) {
+    session.fonts().UpdateFontList();
+    document.usage().Update();
+    const int missing = document.usage().GetMissingFontCount();
+    const std::string name = std::filesystem::path(document.path()).filename().string();
+    if (missing == 0) {
+        err << "galley: " << name << ": every font is installed\n";
+        return 0;
+    }
+    err << "galley: " << name << ": " << missing << (missing == 1 ? " font is" : " fonts are")
+        << " missing:";
+    for (int32 n = 0; n < missing; ++n) {
+        IFontFamily* family = document.InstantiateFontFamily(document.usage().GetMissingNthFontFamilyUID(n));
+        err << (n ? ", " : " ") << (family ? family->GetFamilyName().GetUTF8String() : "?") << " "
+            << document.usage().GetMissingNthFontFaceName(n).GetUTF8String();
+    }
+    err << '\n';
+    return missing;
+}
+
+} // namespace
+
+void printBatchUsage(std::ostream& out) {
+    out << "usage: galley --batch FILE.idml [--timeout SECONDS] [ACTION...]\n"
+           "\n"
+           "Opens the document without a window, lets the plug-ins respond (the font plug-in asks\n"
+           "the font manager for missing fonts and shows its dialogs as text), then plays the\n"
+           "actions against the dialog in front, in order:\n"
+           "  select TEXT        select the tree row showing TEXT (a PostScript name);\n"
+           "                     TEXT/N selects the N-th candidate row under it\n"
+           "  deselect           clear the tree's selection\n"
+           "  press BUTTON       press a button by its caption or its name (e.g. press Activate)\n"
+           "  pick TEXT          select the list entry TEXT\n"
+           "  double-click TEXT  double-click the list entry TEXT\n"
+           "  menu ACTION        invoke a plug-in's menu action (e.g. menu fonts, menu about)\n"
+           "  wait               wait until no dialog is open\n"
+           "  save-as PATH       save the document as a new IDML package\n"
+           "A dialog that needs a decision is cancelled when the actions are used up; every wait\n"
+           "ends after --timeout seconds (default 30), which cancels the dialogs in front.\n"
+           "\n"
+           "Exit status: 0 no font is missing at the end, 1 fonts remain missing, 2 an error\n"
+           "(unreadable document, an action that cannot be played, a plug-in failure).\n"
+           "\n"
+           "Example: replace a missing font and save the result\n"
+           "  galley --batch brochure.idml select TeXGyreHeros-Bold press Replace \\\n"
+           "      pick \"DejaVu Sans Bold\" press OK press OK save-as brochure-fixed.idml\n";
+}
+
+int runBatchCommand(const std::vector<std::string>& arguments, const std::string& executable) {
+    std::optional<BatchOptions> options;
+    try {
+        options = parseOptions(arguments);
+    } catch (const std::exception& error) {
+        std::cerr << "galley: " << error.what() << '\n';
+        return 2;
+    }
+    if (!options) {
+        printBatchUsage(std::cerr);
+        return 2;
+    }
+
+    TerminalPresenter view(std::cout, std::cerr, isatty(STDOUT_FILENO) == 1);
+    view.setDocumentName(std::filesystem::path(options->document).filename().string());
+    auto services = installServices(view);
+    FontconfigFontSystem fontSystem;
+    GalleySession session(fontSystem);
+    SdEventLoop events;
+
+    Runtime::Options runtimeOptions;
+    runtimeOptions.deadline = std::chrono::steady_clock::now() + std::chrono::seconds(options->timeoutSeconds);
+    runtimeOptions.bus = services ? services->bus() : nullptr;
+    Runtime runtime(events, session, view, runtimeOptions);
+    runtime.loadPlugins(PluginLoader::defaultSearchPath(executable));
+
+    BatchPlayer player(runtime, view, options->actions);
+    IdmlDocument* document = nullptr;
+    try {
+        document = &runtime.openDocument(options->document);
+    } catch (const std::exception& error) {
+        std::cerr << "galley: " << error.what() << '\n';
+        return 2;
+    }
+    runtime.waitUntil([&] { return player.finished(); }, true);
+
+    int status = countMissing(session, *document, std::cerr) > 0 ? 1 : 0;
+    if (runtime.timedOut())
+        std::cerr << "galley: time-out after " << options->timeoutSeconds
+                  << " s; the dialogs in front were cancelled\n";
+    if (!player.error().empty()) {
+        std::cerr << "galley: " << player.error() << '\n';
+        status = 2;
+    }
+    if (runtime.pluginFailures() > 0)
+        status = 2;
+    runtime.shutdown();
+    return status;
+}
+
+} // namespace Galley

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Galley {
+
+class Dialog;
+class Widget;
+
+// Dialogs as text, for batch mode on a terminal or in a log.
+//
+// A dialog is its title, then its widgets in description order: labels and edit fields as
+// their text, a progress bar as "[#####.....] 5/10", a tree as a table (one line per row,
+// indented two spaces per level, the row's texts in aligned columns, "*" before selected
+// rows), a list box as its entries ("*" before the selected one), and the buttons on one
+// line ("[Activate]", "(Buy)" when disabled).
+std::vector<std::string> renderDialog(Dialog& dialog);
+std::vector<std::string> renderTree(const Widget& tree);
+std::string renderProgressBar(const Widget& bar, int width = 30);
+// The texts a row or element shows, in description order.
+std::vector<std::string> widgetTexts(const Widget& widget);
+
+} // namespace Galley
