@@ -5,7 +5,9 @@
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
+#include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace Galley {
 
@@ -114,6 +116,43 @@ struct ParseGuard {
     }
 };
 
+// libxml2 checks each attribute of an element against all earlier ones, so an element with
+// tens of thousands of attributes costs seconds before any callback could count them. This
+// linear pass over the markup refuses such an element before the parser sees it.
+std::optional<std::size_t> elementWithTooManyAttributes(std::string_view data, std::size_t limit) {
+    auto skipPast = [&](std::size_t from, std::string_view end) {
+        std::size_t found = data.find(end, from);
+        return found == std::string_view::npos ? data.size() : found + end.size();
+    };
+    std::size_t i = 0;
+    while ((i = data.find('<', i)) != std::string_view::npos) {
+        std::string_view rest = data.substr(i);
+        if (rest.starts_with("<!--")) {
+            i = skipPast(i + 4, "-->");
+        } else if (rest.starts_with("<![CDATA[")) {
+            i = skipPast(i + 9, "]]>");
+        } else if (rest.starts_with("<?")) {
+            i = skipPast(i + 2, "?>");
+        } else {
+            std::size_t attributes = 0;
+            char quote = 0;
+            for (++i; i < data.size(); ++i) {
+                const char c = data[i];
+                if (quote) {
+                    quote = c == quote ? 0 : quote;
+                } else if (c == '"' || c == '\'') {
+                    quote = c;
+                } else if (c == '=' && ++attributes > limit) {
+                    return static_cast<std::size_t>(std::count(data.begin(), data.begin() + i, '\n')) + 1;
+                } else if (c == '>') {
+                    break;
+                }
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 // The text of `first` and its following siblings that are text or character data.
 void appendText(const xmlNode* first, std::string& out) {
     for (const xmlNode* child = first; child; child = child->next) {
@@ -127,6 +166,10 @@ void appendText(const xmlNode* first, std::string& out) {
 
 XmlDocPtr parseXmlPart(const std::string& file, const std::string& part, const std::string& data,
                        NodeBudget* budget) {
+    if (auto line = elementWithTooManyAttributes(data, kMaxAttributesPerElement))
+        throw IdmlError(file, part,
+                        "an element at line " + std::to_string(*line) + " has more than " +
+                            std::to_string(kMaxAttributesPerElement) + " attributes");
     std::unique_ptr<xmlParserCtxt, ParserCtxtFree> ctxt(xmlNewParserCtxt());
     if (!ctxt)
         throw IdmlError(file, part, "out of memory while parsing");

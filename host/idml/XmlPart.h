@@ -23,9 +23,13 @@ struct NodeBudget {
     std::size_t usedNodes = 0; // by the parts parsed so far
 };
 
+// IDML elements carry a few dozen attributes; far more is an attack on the parser.
+inline constexpr std::size_t kMaxAttributesPerElement = 1000;
+
 // Parses one part of a package. Never reaches the network and refuses any document type
 // declaration, so no entity can be declared and none is ever expanded. With a budget, the
-// parse stops as soon as the part or the package holds too many nodes. Keeps libxml2's
+// parse stops as soon as the part or the package holds too many nodes; an element with more
+// than kMaxAttributesPerElement attributes is refused before parsing. Keeps libxml2's
 // nesting limit, so a hostile part fails with a message instead of a hang.
 // Throws IdmlError naming `file` and `part`.
 XmlDocPtr parseXmlPart(const std::string& file, const std::string& part, const std::string& data,

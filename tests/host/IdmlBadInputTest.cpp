@@ -1,6 +1,7 @@
 // Broken packages give a message naming the file and the part, and never a crash, a hang or a
 // file written.
 #include "HostTestSupport.h"
+#include "HostileIdml.h"
 #include "host/idml/IdmlError.h"
 
 #include <fstream>
@@ -78,6 +79,29 @@ TEST_F(BadInput, EachFaultNamesItsPart) {
         auto error = openFailure(dir.file("bad.idml"), {.maxPartBytes = c.maxPartBytes});
         EXPECT_EQ(error.part(), c.part) << error.what();
         EXPECT_NE(error.detail().find(c.detail), std::string::npos) << error.what();
+    }
+}
+
+} // namespace
+
+namespace {
+
+// Each attack is refused early, naming its part, or read within the limits. What each costs
+// in memory and time is measured by bench/idml_hostile_bench.
+TEST_F(BadInput, HostileDocumentsAreRefusedEarlyOrReadOnce) {
+    for (const auto& hostile : IdmlTestKit::hostileCases()) {
+        SCOPED_TRACE(hostile.name);
+        const std::string path = dir.file(hostile.name + ".idml");
+        hostile.write(path);
+        if (hostile.detail.empty()) {
+            auto document = Galley::IdmlDocument::open(path, fonts());
+            EXPECT_EQ(document->stories().size(), 1u);
+            EXPECT_FALSE(document->usage().missing().empty());
+            continue;
+        }
+        auto error = openFailure(path);
+        EXPECT_EQ(error.part(), hostile.part) << error.what();
+        EXPECT_NE(error.detail().find(hostile.detail), std::string::npos) << error.what();
     }
 }
 
