@@ -89,8 +89,9 @@ std::int64_t now() {
 
 } // namespace
 
-Catalog::Catalog(const std::filesystem::path& file, Access access)
-    : db(access == Access::readWrite ? ensureFolder(file) : file, access) {
+Catalog::Catalog(const std::filesystem::path& file, Access access, BusyReporter busyReporter)
+    : db(access == Access::readWrite ? ensureFolder(file) : file, access),
+      busyReporter(std::move(busyReporter)) {
     if (access == Access::readOnly) {
         const std::int64_t version = db.prepare("PRAGMA user_version").singleInteger();
         if (version != schemaVersion) {
@@ -103,7 +104,10 @@ Catalog::Catalog(const std::filesystem::path& file, Access access)
     // WAL lets `vellumine list` read while the server writes. The mode cannot change inside
     // a transaction, and a new catalog's first opener may hold the lock meanwhile.
     retrying([this] { db.execute("PRAGMA journal_mode = WAL"); });
-    write([this] { migrate(); });
+    // Only an old or new catalog needs the write lock (most opens find the schema current).
+    if (db.prepare("PRAGMA user_version").singleInteger() != schemaVersion) {
+        write([this] { migrate(); });
+    }
     db.execute("PRAGMA synchronous = NORMAL");
     db.execute("PRAGMA foreign_keys = ON");
 }

@@ -78,7 +78,8 @@ public:
 
     // Opens or creates the catalog file (and its folder) and brings its schema up to date.
     // Read-only access neither creates nor changes anything.
-    explicit Catalog(const std::filesystem::path& file, Access access = Access::readWrite);
+    explicit Catalog(const std::filesystem::path& file, Access access = Access::readWrite,
+                     BusyReporter busyReporter = {});
 
     // Read-write where the catalog can be written, else read-only: for commands that only
     // read, so that a catalog the user may not write can still be listed.
@@ -91,7 +92,6 @@ public:
     // reports it and tries again a few times before letting SqliteBusy through. `work` must
     // be safe to run again after a rollback.
     void write(const std::function<void()>& work);
-    void setBusyReporter(BusyReporter reporter) { busyReporter = std::move(reporter); }
 
     // Adds or refreshes a face; the (file, face index) pair keeps its identifier.
     AddedFace addFace(const std::filesystem::path& file, const std::filesystem::path& metricsFile,

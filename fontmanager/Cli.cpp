@@ -51,10 +51,9 @@ std::string formatTime(std::int64_t unixTime) {
 
 // A catalog for a command that changes it; being busy is reported where the user sees it.
 std::unique_ptr<Catalog> openForWriting(const LibraryPaths& paths, std::ostream& errors) {
-    auto catalog = std::make_unique<Catalog>(paths.catalogFile());
-    catalog->setBusyReporter(
+    return std::make_unique<Catalog>(
+        paths.catalogFile(), Catalog::Access::readWrite,
         [&errors](const std::string& message) { errors << "vellumine: " << message << "\n"; });
-    return catalog;
 }
 
 // A value in a tab-separated line: tabs, line ends and other control characters would

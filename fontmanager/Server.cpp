@@ -117,7 +117,7 @@ LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forward
 std::string busDescription() {
     const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
     return address != nullptr && *address != '\0' ? std::string("at ") + address
-                                                   : "(DBUS_SESSION_BUS_ADDRESS is not set)";
+                                                   : "of this user (DBUS_SESSION_BUS_ADDRESS is not set)";
 }
 
 // Connects and owns the service name; on failure says why and sets the exit status.
