@@ -10,9 +10,13 @@ namespace Galley {
 
 namespace {
 
+// Text in "[No character style]" takes nothing from that style at the character level: its
+// values are the document's defaults, weaker than the paragraph's.
 FontReference styleFont(const StyleSheet& styles, StyleKind kind, const std::string& self) {
     const TextStyle* style = styles.find(kind, self);
-    return style ? style->resolved : FontReference{};
+    if (!style || (style->root && kind == StyleKind::Character))
+        return {};
+    return style->resolved;
 }
 
 FontKey complete(FontReference font, const StyleSheet& styles) {

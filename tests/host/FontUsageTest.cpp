@@ -51,6 +51,23 @@ TEST_F(FontUsage, UsedAndMissingAgainstTheInstalledFaces) {
     }
 }
 
+// Another face of the family never stands in for a missing one; a composite font counts as
+// the faces it is made of, and its text shows as the first of them.
+TEST_F(FontUsage, OtherFacesOfAFamilyNeverStandInAndCompositesCountAsTheirFaces) {
+    faces.faces = {face("NimbusSans-Regular", "Nimbus Sans", "Regular", IPMFont::kType1),
+                   face("URWGothic-Book", "URW Gothic", "Book", IPMFont::kOpenTypeCFF)};
+    auto doc = open("composite Mixed \"URW Gothic\" Book \"Nimbus Sans\" Bold\nstory\n"
+                    "para font=\"Nimbus Sans\" style=Black\nrun text=a\nrun font=Mixed text=b\n");
+    EXPECT_EQ(HostTest::usageNames(doc->usage().used()), Strings{"URW Gothic/Book"});
+    EXPECT_EQ(HostTest::usageNames(doc->usage().missing()),
+              (Strings{"Nimbus Sans/Black", "Nimbus Sans/Bold"}));
+    ITextModel* model = doc->GetDataBase()->InstantiateTextModel(doc->GetNthTextModelUID(0));
+    IComposeScanner* scanner = model->QueryComposeScanner();
+    EXPECT_EQ(scanner->QueryFontFamilyAttribute(1, 2)->GetUIDData(),
+              doc->GetDocWorkSpace()->GetDocFontMgr()->GetFontFamilyUID(PMString("URW Gothic")));
+    EXPECT_EQ(scanner->QueryFontFaceAttribute(1, 2)->GetFontName().GetUTF8String(), "Book");
+}
+
 TEST_F(FontUsage, FamiliesThroughTheSdkKeepTheirUidsAndReportNamesAndTypes) {
     faces.faces = {face("NimbusRoman-Regular", "Nimbus Roman", "Regular", IPMFont::kType1),
                    face("NimbusRoman-Regular", "Nimbus Roman", "Regular", IPMFont::kOpenTypeCFF),

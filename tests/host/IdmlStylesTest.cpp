@@ -57,3 +57,61 @@ TEST_F(StyleResolution, DomVersionDecidesWhetherTheDocumentWasConverted) {
 }
 
 } // namespace
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+// Every shape of an exported document: the root style's defaults, BasedOn by Name and by
+// Self in style groups, and text in an XML element, a footnote, a table cell, a note and an
+// anchored frame (a story of its own, listed last).
+TEST_F(StyleResolution, ExportedSampleResolvesEveryShapeToTheFontsItsStylesName) {
+    auto doc = open(HostTest::readFile(GALLEY_TEST_DATA "/exported.idmldesc"));
+    EXPECT_EQ(HostTest::runFonts(*doc),
+              (Strings{"TeX Gyre Heros/Bold", "C059/Roman", "C059/Italic", "Nimbus Mono PS/Regular",
+                       "Nimbus Mono PS/Regular", "Nimbus Sans/Regular", "Nimbus Mono PS/Regular",
+                       "Gothic Composite/Roman", "Nimbus Sans/Black", "TeX Gyre Heros/Italic",
+                       "DejaVu Sans/Book"}));
+    const auto& runs = doc->stories().front()->runs();
+    EXPECT_EQ(runs[0].length, 16); // a special character, 14 letters and a break
+    EXPECT_EQ(runs[1].length, 18); // "Cafés & bookshops " written as character references
+    // A composite font stands for its faces; no face is installed here.
+    EXPECT_EQ(HostTest::usageNames(doc->usage().missing()),
+              (Strings{"TeX Gyre Heros/Bold", "C059/Roman", "C059/Italic", "Nimbus Mono PS/Regular",
+                       "Nimbus Sans/Regular", "URW Gothic/Book", "Nimbus Sans/Black",
+                       "TeX Gyre Heros/Italic", "DejaVu Sans/Book"}));
+}
+
+TEST_F(StyleResolution, RootStylesCarryTheDefaultsAndBasedOnNamesParentsEitherWay) {
+    const std::string roman = std::string(Galley::kDefaultFontFamily) + "/Roman";
+    struct Case {
+        const char* description;
+        Strings fonts;
+    } cases[] = {
+        // the paragraph root's values reach styles without a parent and text without a style
+        {"proot font=Root style=Book\npstyle Body\nstory\npara pstyle=Body\nrun text=a\n"
+         "para\nrun text=b\n",
+         {"Root/Book", "Root/Book"}},
+        {"proot style=Roman props\nstory\npara\nrun text=a\n", {roman}},
+        // the character root is the weakest level: below the whole paragraph chain
+        {"croot font=CRoot style=Medium\npstyle Body style=Bold\ncstyle Em font=EmFont\nstory\n"
+         "para pstyle=Body\nrun text=a\nrun cstyle=Em text=b\n",
+         {"CRoot/Bold", "EmFont/Bold"}},
+        {"croot font=CRoot\nproot font=PRoot\ncstyle Em based=\"$ID/[No character style]\" "
+         "basedby=name style=Italic\nstory\npara\nrun cstyle=Em text=a\n",
+         {"PRoot/Italic"}},
+        // parents by Name (with or without "$ID/") or by Self, inside groups, both kinds
+        {"proot font=R\npstyle Body based=\"[No paragraph style]\" basedby=name\nstory\n"
+         "para pstyle=Body\nrun text=a\n",
+         {"R/Regular"}},
+        {"pstyle Base group=G font=GroupFont\npstyle Child group=H based=Base basedby=name "
+         "style=Heavy\ncstyle CBase group=C font=CFont\ncstyle ByName based=CBase basedby=name\n"
+         "cstyle BySelf group=C based=CBase\nstory\npara pstyle=Child\nrun text=a\n"
+         "run cstyle=ByName text=b\nrun cstyle=BySelf text=c\n",
+         {"GroupFont/Heavy", "CFont/Heavy", "CFont/Heavy"}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(HostTest::runFonts(*open(c.description)), c.fonts) << c.description;
+}
+
+} // namespace
