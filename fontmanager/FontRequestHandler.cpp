@@ -2,6 +2,7 @@
 
 #include "fontmanager/AutoActivation.h"
 #include "fontmanager/ReplyWriter.h"
+#include "foundation/Logger.h"
 
 #include <optional>
 
@@ -83,7 +84,13 @@ std::string answerFontRequest(FontRequestContext& context, const Request& reques
                               const std::string& application, const std::string& protocolVersion) {
     Catalog& catalog = context.catalog;
     if (catalog.autoActivation()) {
-        activateAutomatically(catalog, context.activation, context.changes, request, application);
+        try {
+            activateAutomatically(catalog, context.activation, context.changes, request,
+                                  application);
+        } catch (const std::exception& error) {
+            // The application still gets its answer, with the fonts as they are.
+            Logger::log("vellumine-auto", std::string("auto-activation failed: ") + error.what());
+        }
     }
     const ReplyLimits& limits = context.limits;
     SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);

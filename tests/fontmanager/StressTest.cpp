@@ -14,7 +14,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <iostream>
-#include <map>
 #include <set>
 #include <random>
 #include <signal.h>
@@ -65,13 +64,16 @@ protected:
         }
     }
 
+    std::filesystem::path errorsFile(int slot) const {
+        return scratch.path() / ("errors-" + std::to_string(slot));
+    }
+
     pid_t start(const std::vector<std::string>& arguments, int slot) {
-        const std::string errorsFile =
-            (scratch.path() / ("errors-" + std::to_string(slot))).string();
+        const std::string errorsPath = errorsFile(slot).string();
         const pid_t pid = fork();
         if (pid == 0) {
             const int devNull = open("/dev/null", O_WRONLY);
-            const int errors = open(errorsFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            const int errors = open(errorsPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
             dup2(devNull, STDOUT_FILENO);
             dup2(errors, STDERR_FILENO);
             std::vector<char*> argv = {const_cast<char*>(VELLUMINE_EXECUTABLE)};
@@ -86,46 +88,40 @@ protected:
     }
 
     // Keeps `concurrentProcesses` commands running until `time` has passed (the first round
-    // adds the fonts), killing every `killEvery`-th command soon after its start (0: none).
-    std::vector<Outcome> runCommands(Clock::duration time, int killEvery) {
+    // adds the fonts); with `killSome`, every third command is killed soon after its start.
+    std::vector<Outcome> runCommands(Clock::duration time, bool killSome) {
         std::vector<Outcome> outcomes;
-        std::map<pid_t, std::pair<int, Outcome>> running;
+        std::vector<std::pair<pid_t, Outcome>> slots(concurrentProcesses);
         const auto end = Clock::now() + time;
-        int started = 0;
-        while (Clock::now() < end || !running.empty()) {
+        for (int started = 0;;) {
             for (int slot = 0; slot < concurrentProcesses && Clock::now() < end; ++slot) {
-                const bool taken =
-                    std::any_of(running.begin(), running.end(),
-                                [&](const auto& entry) { return entry.second.first == slot; });
-                if (taken) {
+                auto& [pid, outcome] = slots[slot];
+                if (pid != 0) {
                     continue;
                 }
-                const bool first = started < concurrentProcesses;
-                Outcome outcome;
-                outcome.arguments = first ? addAll() : randomCommand();
-                const pid_t pid = start(outcome.arguments, slot);
-                if (killEvery > 0 && ++started % killEvery == 0) {
+                outcome = Outcome();
+                outcome.arguments = started++ < concurrentProcesses ? addAll() : randomCommand();
+                pid = start(outcome.arguments, slot);
+                if (killSome && started % 3 == 0) {
                     usleep(std::uniform_int_distribution<useconds_t>(0, 20000)(random));
                     kill(pid, SIGKILL);
-                } else if (killEvery == 0) {
-                    ++started;
                 }
-                running.emplace(pid, std::make_pair(slot, std::move(outcome)));
             }
             int status = 0;
-            const pid_t done = waitpid(-1, &status, 0);
-            auto found = running.find(done);
-            if (found == running.end()) {
-                continue;
+            const pid_t finished = waitpid(-1, &status, 0);
+            if (finished < 0) {
+                return outcomes; // time is up and every command has ended
             }
-            Outcome outcome = std::move(found->second.second);
-            outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-            outcome.errors =
-                readFile(scratch.path() / ("errors-" + std::to_string(found->second.first)));
-            running.erase(found);
-            outcomes.push_back(std::move(outcome));
+            for (int slot = 0; slot < concurrentProcesses; ++slot) {
+                auto& [pid, outcome] = slots[slot];
+                if (pid == finished) {
+                    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+                    outcome.errors = readFile(errorsFile(slot));
+                    outcomes.push_back(std::move(outcome));
+                    pid = 0;
+                }
+            }
         }
-        return outcomes;
     }
 
     // Every face recorded active has its link; every link in the folder is recorded.
@@ -154,7 +150,7 @@ protected:
         const pid_t pid = start(arguments, 99);
         int status = 0;
         waitpid(pid, &status, 0);
-        return std::to_string(WEXITSTATUS(status)) + " " + readFile(scratch.path() / "errors-99");
+        return std::to_string(WEXITSTATUS(status)) + " " + readFile(errorsFile(99));
     }
 
     ScratchFolder scratch;
@@ -163,7 +159,7 @@ protected:
 };
 
 TEST_F(LibraryStress, ConcurrentCommandsKeepCatalogAndLinksInAgreement) {
-    const auto outcomes = runCommands(phaseTime, 0);
+    const auto outcomes = runCommands(phaseTime, false);
     int busy = 0;
     for (const auto& outcome : outcomes) {
         const bool sawBusy = outcome.errors.find("busy") != std::string::npos;
@@ -183,7 +179,7 @@ TEST_F(LibraryStress, ConcurrentCommandsKeepCatalogAndLinksInAgreement) {
 // Commands killed at any point leave at most links nothing records and records whose link
 // is gone; `check --repair` (which the server also runs on start) restores agreement.
 TEST_F(LibraryStress, CommandsKilledHalfwayLeaveNothingThatCheckCannotRepair) {
-    const auto outcomes = runCommands(phaseTime, 3);
+    const auto outcomes = runCommands(phaseTime, true);
     std::cout << outcomes.size() << " commands, every third killed\n";
     EXPECT_EQ(check("--repair"), "0 ");
     EXPECT_EQ(check(), "0 ");
