@@ -42,7 +42,12 @@ std::optional<BatchOptions> parseOptions(const std::vector<std::string>& argumen
                 throw std::invalid_argument("--timeout needs a number of seconds");
             const std::string& value = arguments[++i];
             std::size_t used = 0;
-            const int seconds = std::stoi(value, &used);
+            int seconds = 0;
+            try {
+                seconds = std::stoi(value, &used);
+            } catch (const std::exception&) {
+                used = 0;
+            }
             if (used != value.size() || seconds <= 0 || seconds > 24 * 3600)
                 throw std::invalid_argument("--timeout takes whole seconds from 1 to 86400, not \"" + value + "\"");
             options.timeoutSeconds = seconds;

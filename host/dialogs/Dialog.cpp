@@ -64,14 +64,17 @@ void Dialog::Open(IDialog*) {
     forEachObserver([&](IObserver& observer) {
         callPlugin("attaching the dialog's observer", [&] { observer.AutoAttach(); });
     });
-    if (open_)
+    if (open_) {
         host_.dialogOpened(*this);
+        shown_ = true;
+    }
 }
 
 void Dialog::Close(int32) {
     if (!open_)
         return;
     open_ = false;
+    shown_ = false;
     forEachObserver([&](IObserver& observer) {
         callPlugin("detaching the dialog's observer", [&] { observer.AutoDetach(); });
     });
@@ -128,7 +131,8 @@ std::unique_ptr<Widget> Dialog::createFromResource(const RsrcSpec& spec) {
 }
 
 void Dialog::changed(Widget& widget) {
-    if (open_)
+    // Changes while the fields are initialised are part of what opening shows.
+    if (shown_)
         host_.dialogChanged(*this, widget);
 }
 

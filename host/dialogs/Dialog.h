@@ -73,6 +73,7 @@ private:
     StringData stringData_;
     IntData intData_;
     bool open_ = false;
+    bool shown_ = false;
     bool closesByItself_ = false;
     bool cancelled_ = false;
     int waiting_ = 0;

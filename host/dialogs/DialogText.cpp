@@ -110,6 +110,7 @@ std::vector<std::string> renderTree(const Widget& tree) {
         std::string line = isSelected ? "* " : "  ";
         for (std::size_t c = 0; c < cells[r].size(); ++c)
             line += (c + 1 < cells[r].size() ? padded(cells[r][c], widths[c] + 2) : cells[r][c]);
+        line.erase(line.find_last_not_of(' ') + 1);
         lines.push_back(line);
     }
     if (lines.empty())

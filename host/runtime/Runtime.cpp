@@ -369,13 +369,20 @@ IDialog* Runtime::CreateNewDialog(const RsrcSpec& spec, IDialog::DialogType mode
         return nullptr;
     }
     Dialog* made = dialogs_.back().get();
-    // A dialog that is never opened goes once control is back in the host.
-    calls_.deferUntilHostLevel([this] { sweepDialogs(); });
+    // A dialog a plug-in made but never opened goes once control is back in the host.
+    if (calls_.depth() > 0)
+        scheduleSweep();
     return made;
 }
 
 Dialog* Runtime::frontDialog() const {
     return openOrder_.empty() ? nullptr : openOrder_.back();
+}
+
+void Runtime::scheduleSweep() {
+    // At the next turn of the loop, and then only once no plug-in code is on the stack:
+    // whoever closed a dialog may still be reading it.
+    loop_.post([this] { calls_.deferUntilHostLevel([this] { sweepDialogs(); }); });
 }
 
 void Runtime::sweepDialogs() {
@@ -400,7 +407,7 @@ void Runtime::dialogChanged(Dialog& dialog, Widget& widget) {
 void Runtime::dialogClosed(Dialog& dialog) {
     std::erase(openOrder_, &dialog);
     presenter_.dialogClosed(dialog);
-    calls_.deferUntilHostLevel([this] { sweepDialogs(); });
+    scheduleSweep();
 }
 
 void Runtime::waitUntil(const std::function<bool()>& done, bool allowIdleTasks) {

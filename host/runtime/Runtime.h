@@ -143,6 +143,7 @@ private:
     IPMUnknown* makeSessionObject(LoadedPlugin& plugin, PMIID iid, RsrcID dialog,
                                   PluginFactory factory, const char* what);
     const LoadedPlugin* pluginFor(const RsrcSpec& spec, bool dialog) const;
+    void scheduleSweep();
     void sweepDialogs();
     void refreshFontWatch();
     void report(const std::string& message) const { presenter_.status(message); }

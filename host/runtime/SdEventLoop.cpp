@@ -16,6 +16,10 @@ namespace Galley {
 
 namespace {
 
+// sd-event coalesces timers within 250 ms unless told otherwise; idle tasks and bus
+// time-outs want what they asked for.
+constexpr std::uint64_t timerAccuracyUsec = 1;
+
 std::uint64_t nowUsec() {
     timespec ts{};
     clock_gettime(CLOCK_MONOTONIC, &ts);
@@ -89,7 +93,7 @@ EventLoop::SourceId SdEventLoop::addTimer(Callback onExpiry) {
     source->loop = this;
     source->id = nextId_++;
     source->callback = std::move(onExpiry);
-    int r = sd_event_add_time(event_, &source->handle, CLOCK_MONOTONIC, UINT64_MAX, 0,
+    int r = sd_event_add_time(event_, &source->handle, CLOCK_MONOTONIC, UINT64_MAX, timerAccuracyUsec,
                               &SdEventLoop::onTime, source.get());
     if (r < 0)
         throw std::runtime_error(std::string("cannot add a timer: ") + std::strerror(-r));

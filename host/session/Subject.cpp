@@ -26,7 +26,8 @@ void Subject::Change(ClassID change, PMIID protocol, void* changedBy) {
     // attached when its turn comes.
     const auto snapshot = attached_;
     for (const auto& [observer, observed] : snapshot) {
-        if (observed == protocol && IsAttached(observer, protocol))
+        // A disabled observer stays attached but hears nothing until it is enabled again.
+        if (observed == protocol && IsAttached(observer, protocol) && observer->IsEnabled())
             observer->Update(change, this, protocol, changedBy);
     }
 }

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "plugin/TestPlugin.h"
+
+#include "host/dialogs/Dialog.h"
+#include "host/document/IdmlDocument.h"
+#include "host/runtime/Runtime.h"
+#include "host/runtime/SdEventLoop.h"
+#include "host/session/GalleySession.h"
+#include "sdk/HostIdentifiers.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace RuntimeTest {
+
+// No installed fonts: the runtime tests are about the runtime, not about fonts.
+struct NoFaces : Galley::FaceSource {
+    std::vector<Galley::InstalledFace> load() override { return {}; }
+    bool changedSinceLoad() override { return false; }
+};
+
+// Records what the runtime shows; alerts answer with their default button.
+struct RecordingPresenter : Galley::Presenter {
+    std::vector<std::string> lines;
+    void dialogOpened(Galley::Dialog& dialog) override { lines.push_back("opened " + dialog.title()); }
+    void dialogClosed(Galley::Dialog& dialog) override { lines.push_back("closed " + dialog.title()); }
+    int16 alert(IAlertPresenter::Kind, const std::string& message, const std::string[3],
+                int16 defaultButton) override {
+        lines.push_back("alert " + message);
+        return defaultButton;
+    }
+    void status(const std::string& message) override { lines.push_back("status " + message); }
+    bool has(const std::string& part) const {
+        return std::any_of(lines.begin(), lines.end(),
+                           [&](const std::string& line) { return line.find(part) != std::string::npos; });
+    }
+};
+
+// A runtime with the test plug-in loaded, on a fresh loop and session.
+class RuntimeFixture : public ::testing::Test {
+protected:
+    explicit RuntimeFixture(Galley::Runtime::Options options = {}) {
+        options.watchFontFolders = false;
+        runtime = std::make_unique<Galley::Runtime>(loop, session, presenter, options);
+    }
+    void SetUp() override {
+        runtime->loadPlugins({TEST_PLUGIN});
+        void* handle = dlopen(TEST_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
+        ASSERT_NE(handle, nullptr);
+        probe = reinterpret_cast<TestPluginProbe* (*)()>(dlsym(handle, "GalleyTestPluginProbe"))();
+        *probe = TestPluginProbe{};
+    }
+    bool saw(const std::string& event) const {
+        return std::find(probe->events.begin(), probe->events.end(), event) != probe->events.end();
+    }
+    // Turns the loop until `event` was recorded or a second passed.
+    bool runUntilEvent(const std::string& event) {
+        return runtime->loop().runUntil([&] { return saw(event); },
+                                        std::chrono::steady_clock::now() + std::chrono::seconds(1));
+    }
+    Galley::Dialog* openTestDialog() {
+        auto* dialog = runtime->CreateNewDialog(
+            RsrcSpec(PMLocaleId{}, kTestPluginPrefix, kViewRsrcType, kTestDialogRsrc), IDialog::kMovableModal);
+        if (dialog)
+            dialog->Open();
+        return static_cast<Galley::Dialog*>(dialog);
+    }
+
+    Galley::SdEventLoop loop;
+    NoFaces faces;
+    Galley::GalleySession session{faces};
+    RecordingPresenter presenter;
+    std::unique_ptr<Galley::Runtime> runtime;
+    TestPluginProbe* probe = nullptr;
+};
+
+} // namespace RuntimeTest
