@@ -7,6 +7,14 @@ class IFontFamily;
 class IPMFont;
 class ISubject;
 
+// The font manager's notice that a refresh of the font list is complete, so that what
+// shows font lists (menus, font pickers) reads them again.
+class IFontListNotices {
+public:
+    virtual ~IFontListNotices() = default;
+    virtual void FontListRefreshed(bool includingNewFonts) = 0;
+};
+
 // The session's font manager: the fonts installed on the system.
 //
 // After a font-list update that changed the set of installed faces, its subject announces
@@ -37,4 +45,6 @@ public:
     virtual IFontFamily* QueryFontFamily(const PMString& familyName) const = 0;
 
     virtual ISubject* GetSubject() = 0;
+    // Null when the host has no such notice.
+    virtual IFontListNotices* QueryFontListNotices() { return nullptr; }
 };
