@@ -353,8 +353,9 @@ const std::map<std::string, Command>& commands() {
           addCommand}},
         {"list",
          {"list [--active] [POSTSCRIPT-NAME]",
-          "Lists the library's faces: container id, type, state, PostScript name, family,\n"
-          "style and file.",
+          "Lists the library's faces, one line each: container id, type, state, PostScript\n"
+          "name, family, style and file, separated by tabs. Tabs, line ends and other control\n"
+          "characters in a value are written as \\t, \\n and \\xHH, a backslash as \\\\.",
           listCommand}},
         {"activate",
          {"activate ID|POSTSCRIPT-NAME...",
