@@ -62,6 +62,9 @@ public:
                                      PluginFactory factory) = 0;
     // A string table of the plug-in's resources ("key = text" lines) for a language.
     virtual void RegisterStringTable(const std::string& language, const std::string& file) = 0;
+    // Called once when the host stops the plug-in, after its objects were destroyed and
+    // before the platform services go away: the place to stop the plug-in's own threads.
+    virtual void RegisterStopHandler(void (*stop)()) = 0;
 };
 
 extern "C" {

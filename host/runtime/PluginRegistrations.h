@@ -57,6 +57,7 @@ public:
     void RegisterWidgetAddIn(WidgetID widget, PMIID iid, ImplementationID impl,
                              PluginFactory factory) override;
     void RegisterStringTable(const std::string& language, const std::string& file) override;
+    void RegisterStopHandler(void (*stop)()) override { stopHandlers.push_back(stop); }
 
     std::string name;
     PluginID prefix = 0;
@@ -70,6 +71,7 @@ public:
     std::map<RsrcID, std::string> widgetResources;
     std::multimap<WidgetID, WidgetAddIn> widgetAddIns;
     std::map<std::string, std::string> stringTables;
+    std::vector<void (*)()> stopHandlers;
     // The first refusal, empty when every registration was taken.
     std::string error;
 

@@ -7,6 +7,7 @@
 namespace Galley {
 
 class Dialog;
+class IdmlDocument;
 class Widget;
 
 // Whoever shows Galley's dialogs and alerts to the user: the terminal in batch mode, the
@@ -23,6 +24,8 @@ public:
                         const std::string buttons[3], int16 defaultButton) = 0;
     // A line for the user about what the host does (documents opened, plug-ins' failures).
     virtual void status(const std::string&) {}
+    // The document's fonts were resolved again (fonts arrived, went or were replaced).
+    virtual void documentChanged(IdmlDocument&) {}
 };
 
 } // namespace Galley

@@ -59,7 +59,7 @@ Runtime::Runtime(EventLoop& loop, GalleySession& session, Presenter& presenter, 
           callPlugin(what, call);
       }) {
     SetHostHooks(this);
-    session_.attachRuntime(this, this, [this](PMIID iid) -> IObserver* {
+    session_.attachRuntime(this, this, this, [this](PMIID iid) -> IObserver* {
         for (auto& object : objects_)
             if (object.iid == iid && object.dialog == 0)
                 if (auto* observer = dynamic_cast<IObserver*>(object.object.get()))
@@ -95,7 +95,7 @@ Runtime::Runtime(EventLoop& loop, GalleySession& session, Presenter& presenter, 
 Runtime::~Runtime() {
     shutdown();
     session_.fonts().setChangeWait(nullptr);
-    session_.attachRuntime(nullptr, nullptr, nullptr);
+    session_.attachRuntime(nullptr, nullptr, nullptr, nullptr);
     if (GetHostHooks() == this)
         SetHostHooks(nullptr);
 }
@@ -183,9 +183,13 @@ void Runtime::shutdown() {
         callPlugin("destroying its objects", [&] { objects_.back().object.reset(); });
         objects_.pop_back();
     }
-    for (auto& plugin : plugins_)
-        if (plugin->state == LoadedPlugin::State::running)
-            plugin->state = LoadedPlugin::State::stopped;
+    for (auto& plugin : plugins_) {
+        if (plugin->state != LoadedPlugin::State::running)
+            continue;
+        for (auto stop : plugin->registrations.stopHandlers)
+            callPlugin("stopping", [&] { stop(); });
+        plugin->state = LoadedPlugin::State::stopped;
+    }
     document_.reset();
 }
 
@@ -221,6 +225,22 @@ void Runtime::sendDocumentSignal(ServiceID service, IDocument* document) {
 
 IDocument* Runtime::GetFrontDocument() const {
     return document_.get();
+}
+
+void Runtime::UpdateViews(bool immediately) {
+    auto update = [this] {
+        if (!viewsOutOfDate_)
+            return;
+        viewsOutOfDate_ = false;
+        if (document_) {
+            document_->usage().Update();
+            presenter_.documentChanged(*document_);
+        }
+    };
+    if (immediately)
+        update();
+    else
+        loop_.post(update);
 }
 
 // --- menu -----------------------------------------------------------------------------

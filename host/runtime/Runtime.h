@@ -10,6 +10,7 @@
 #include "host/runtime/StringTable.h"
 #include "sdk/HostHooks.h"
 #include "sdk/IDialog.h"
+#include "sdk/ISession.h"
 
 #include <chrono>
 #include <map>
@@ -42,6 +43,7 @@ class Runtime : public IHostHooks,
                 public IApplication,
                 public IDialogMgr,
                 public ILayoutUIUtils,
+                public IDocumentViews,
                 private IAlertPresenter {
 public:
     struct Options {
@@ -123,6 +125,9 @@ public:
     IDialog* GetFrontDialog() const override { return frontDialog(); }
     // ILayoutUIUtils
     IDocument* GetFrontDocument() const override;
+    // IDocumentViews: the open document's font usage is read again (and shown again).
+    void InvalidateAllViews() override { viewsOutOfDate_ = true; }
+    void UpdateViews(bool immediately) override;
 
 private:
     struct SessionObject {
@@ -168,6 +173,7 @@ private:
     std::vector<Dialog*> openOrder_;
     std::unique_ptr<IdmlDocument> document_;
     bool timedOut_ = false;
+    bool viewsOutOfDate_ = false;
     bool shutDown_ = false;
 };
 

@@ -22,13 +22,15 @@ public:
     IApplication* QueryApplication() override { return application_; }
     ILayoutUIUtils* QueryLayoutUIUtils() override { return layout_; }
     IObserver* QueryObserver(PMIID iid) override { return observers_ ? observers_(iid) : nullptr; }
+    IDocumentViews* QueryDocumentViews() override { return views_; }
 
     // The application runtime, once it runs: its dialogs, its front document and the
     // observers plug-ins keep on the session.
-    void attachRuntime(IApplication* application, ILayoutUIUtils* layout,
+    void attachRuntime(IApplication* application, ILayoutUIUtils* layout, IDocumentViews* views,
                        std::function<IObserver*(PMIID)> observers) {
         application_ = application;
         layout_ = layout;
+        views_ = views;
         observers_ = std::move(observers);
     }
     SessionFontMgr& fonts() { return fontMgr_; }
@@ -38,6 +40,7 @@ private:
     TextAttrUtils textAttrUtils_;
     IApplication* application_ = nullptr;
     ILayoutUIUtils* layout_ = nullptr;
+    IDocumentViews* views_ = nullptr;
     std::function<IObserver*(PMIID)> observers_;
 };
 

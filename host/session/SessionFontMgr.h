@@ -14,7 +14,7 @@
 namespace Galley {
 
 // The session's font manager over a face source (fontconfig in Galley).
-class SessionFontMgr : public IFontMgr {
+class SessionFontMgr : public IFontMgr, public IFontListNotices {
 public:
     explicit SessionFontMgr(FaceSource& source);
 
@@ -25,6 +25,11 @@ public:
     IFontFamily* GetNthFontFamily(int32 index) const override;
     IFontFamily* QueryFontFamily(const PMString& familyName) const override;
     ISubject* GetSubject() override { return &subject_; }
+    IFontListNotices* QueryFontListNotices() override { return this; }
+    // A refresh is complete; Galley's font lists are read from here whenever they are
+    // shown, so only the count of refreshes is kept (the GUI watches it).
+    void FontListRefreshed(bool) override { ++refreshes_; }
+    int refreshes() const { return refreshes_; }
 
     // Called by UpdateFontList when the folders show no change, to wait briefly for one (the
     // runtime waits up to a tick on its font-folder watch), so that a caller polling the
@@ -53,6 +58,7 @@ private:
     std::vector<InstalledFamily*> currentFamilies_;
     Subject subject_;
     std::function<void()> changeWait_;
+    int refreshes_ = 0;
 };
 
 } // namespace Galley
