@@ -10,8 +10,13 @@ IdmlDocument::IdmlDocument(IdmlPackage package, SessionFontMgr& fonts)
 
 std::unique_ptr<IdmlDocument> IdmlDocument::open(const std::string& path, SessionFontMgr& fonts,
                                                  const PackageLimits& limits) {
-    std::unique_ptr<IdmlDocument> document(
-        new IdmlDocument(IdmlPackage::read(path, limits), fonts));
+    return open(IdmlPackage::read(path, limits), fonts);
+}
+
+std::unique_ptr<IdmlDocument> IdmlDocument::open(IdmlPackage package, SessionFontMgr& fonts) {
+    const std::string path = package.path();
+    const PackageLimits limits = package.limits();
+    std::unique_ptr<IdmlDocument> document(new IdmlDocument(std::move(package), fonts));
     IdmlDocument& d = *document;
     NodeBudget budget{limits.maxPartNodes, limits.maxTotalNodes};
     XmlDocPtr designMap = d.parsePart("designmap.xml", true, budget);

@@ -29,6 +29,8 @@ public:
     // Throws IdmlError naming the file and the part at fault; nothing is written either way.
     static std::unique_ptr<IdmlDocument> open(const std::string& path, SessionFontMgr& fonts,
                                               const PackageLimits& limits = {});
+    // The same for a package already in memory, within the package's limits.
+    static std::unique_ptr<IdmlDocument> open(IdmlPackage package, SessionFontMgr& fonts);
 
     // IDocument
     PMString GetName() const override;

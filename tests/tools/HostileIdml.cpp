@@ -110,7 +110,7 @@ std::vector<HostileCase> hostileCases() {
                                                     "</Content></CharacterStyleRange>"))),
                    p);
          }},
-        {"nodes-across-stories", "Stories/Story_u3.xml", "package holds more than",
+        {"nodes-across-stories", "Stories/Story_u4.xml", "package holds more than",
          [](const std::string& p) { write(withStories(4, story(repeat("<a/>", 300000))), p); }},
         {"bytes-across-stories", "Stories/Story_u3.xml", "too large when uncompressed",
          [](const std::string& p) {

@@ -326,13 +326,13 @@ void writeIdml(const DocumentDef& d, const std::string& path) {
     };
     for (std::size_t i = 0; i < stories.size(); ++i)
         parts.emplace_back(storyPartName(i), storyXml(d, stories[i], i));
-    for (const auto& [name, data] : d.replacedParts) {
-        auto part =
-            std::find_if(parts.begin(), parts.end(), [&](auto& p) { return p.first == name; });
+    for (const auto& replaced : d.replacedParts) {
+        auto part = std::find_if(parts.begin(), parts.end(),
+                                 [&](auto& p) { return p.first == replaced.first; });
         if (part == parts.end())
-            parts.emplace_back(name, data);
+            parts.push_back(replaced);
         else
-            part->second = data;
+            part->second = replaced.second;
     }
     zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
     if (!archive)
