@@ -9,7 +9,9 @@
 //
 // BM_AnswerWithoutBus is vellumine's share alone (the same request answered in this
 // process); BM_RawRequestToVellumine sends the plug-in's request text and takes the reply text;
-// BM_PluginFontRequest adds the plug-in's transport, reply parsing and merge. Counters:
+// BM_PluginFontRequest adds the plug-in's transport, reply parsing and merge;
+// BM_RepeatedFontToVellumine asks for one font of two faces many times, whose reply at
+// 40,000 fonts passes the reply size limit and is sent without its face lists. Counters:
 // us_echo (the echo of the same request bytes), x_echo (round trip over echo).
 
 #include "PrivateSession.h"
@@ -152,6 +154,27 @@ void BM_PluginFontRequest(benchmark::State& state) {
     reportAgainstEcho(state, request.getMessage(), exchange);
 }
 
+std::string repeatedFontRequest(int count) {
+    std::string text = "<cmd>fontRequest</cmd>\n";
+    for (int i = 0; i < count; ++i) {
+        text += "<font>\n<syncID>" + std::to_string(i) +
+                "</syncID>\n<psName>NimbusRoman-Regular</psName>\n</font>\n";
+    }
+    return text + "</cmd>\n";
+}
+
+void BM_RepeatedFontToVellumine(benchmark::State& state) {
+    const std::string text = repeatedFontRequest(static_cast<int>(state.range(0)));
+    std::string reply;
+    for (auto _ : state) {
+        reply = send("org.vellumine.Vellumine", text);
+        benchmark::DoNotOptimize(reply.size());
+    }
+    state.counters["reply_bytes"] = static_cast<double>(reply.size());
+    state.counters["face_lists"] = reply.find("<fontInfo>") != std::string::npos ? 1 : 0;
+    reportAgainstEcho(state, text, [&] { send("org.vellumine.Vellumine", text); });
+}
+
 // vellumine's own share: the same request answered in this process, without the bus.
 void BM_AnswerWithoutBus(benchmark::State& state) {
     const std::string text = requestText(makeRecords(static_cast<int>(state.range(0))));
@@ -169,6 +192,7 @@ void BM_AnswerWithoutBus(benchmark::State& state) {
 BENCHMARK(BM_AnswerWithoutBus)->Arg(1)->Arg(100)->Arg(5000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RawRequestToVellumine)->Arg(1)->Arg(100)->Arg(5000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_PluginFontRequest)->Arg(1)->Arg(100)->Arg(5000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RepeatedFontToVellumine)->Arg(100)->Arg(40000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
