@@ -19,8 +19,8 @@ struct PackageLimits {
     std::size_t maxPartBytes = 32u << 20;     // one part read, uncompressed
     std::size_t maxTotalBytes = 64u << 20;    // all parts read together
     std::size_t maxParts = 100000;
-    std::size_t maxPartNodes = 400000;
-    std::size_t maxTotalNodes = 800000;
+    std::size_t maxPartNodes = 500000;
+    std::size_t maxTotalNodes = 1000000;
 };
 
 // One file of the ZIP container, uncompressed.
