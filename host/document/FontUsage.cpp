@@ -4,6 +4,7 @@
 #include "host/idml/Story.h"
 #include "host/idml/StyleSheet.h"
 
+#include <stdexcept>
 #include <unordered_set>
 
 namespace Galley {
@@ -42,8 +43,12 @@ public:
 
 private:
     void addFace(FontKey key) {
-        if (seen_.insert(key.family + '\n' + key.style).second)
-            keys_.push_back(std::move(key));
+        if (!seen_.insert(key.family + '\n' + key.style).second)
+            return;
+        if (keys_.size() == kMaxDistinctFaces)
+            throw std::length_error("the document uses more than " +
+                                    std::to_string(kMaxDistinctFaces) + " distinct faces");
+        keys_.push_back(std::move(key));
     }
 
     const FontsCatalog& catalog_;
@@ -56,8 +61,8 @@ private:
 FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles) {
     FontReference font = run.characterLocal;
     font.inheritFrom(styleFont(styles, StyleKind::Character, run.characterStyle));
-    font.inheritFrom(run.paragraphLocal);
-    font.inheritFrom(styleFont(styles, StyleKind::Paragraph, run.paragraphStyle));
+    font.inheritFrom(run.paragraph->local);
+    font.inheritFrom(styleFont(styles, StyleKind::Paragraph, run.paragraph->style));
     return complete(std::move(font), styles);
 }
 

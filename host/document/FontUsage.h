@@ -12,6 +12,10 @@ class Story;
 class StyleSheet;
 struct StoryRun;
 
+// Documents use dozens of faces, rarely thousands; beyond this many, collectFontUsage
+// throws std::length_error.
+inline constexpr std::size_t kMaxDistinctFaces = 20000;
+
 // The face used when neither the text nor any style, not even a root style, names one.
 inline constexpr const char* kDefaultFontFamily = "Nimbus Roman";
 inline constexpr const char* kDefaultFontStyle = "Regular";

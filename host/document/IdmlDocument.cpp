@@ -2,6 +2,8 @@
 
 #include "host/idml/IdmlError.h"
 
+#include <stdexcept>
+
 namespace Galley {
 
 IdmlDocument::IdmlDocument(IdmlPackage package, SessionFontMgr& fonts)
@@ -33,7 +35,11 @@ std::unique_ptr<IdmlDocument> IdmlDocument::open(IdmlPackage package, SessionFon
             std::make_unique<Story>(path, part, d.parsePart(part, true, budget), d.styles_));
         d.models_.push_back(std::make_unique<StoryTextModel>(d.nextUID(), *d.stories_.back(), d));
     }
-    d.usage_.Update();
+    try {
+        d.usage_.Update();
+    } catch (const std::length_error& error) {
+        throw IdmlError(path, "", error.what());
+    }
     return document;
 }
 

@@ -37,17 +37,21 @@ bool StoryTextModel::runsOver(TextIndex start, TextIndex end, std::size_t& first
     return found && start < end;
 }
 
-const std::vector<StoryTextModel::RunAttributes>& StoryTextModel::attributes() const {
+const std::vector<const StoryTextModel::RunAttributes*>& StoryTextModel::attributes() const {
     if (cachedRevision_ != story_.revision()) {
         attributes_.clear();
+        distinct_.clear();
         for (const StoryRun& run : story_.runs()) {
             FontKey key = resolveRunFont(run, document_.styles());
             // Text in a composite font shows as the composite's first face.
             if (const auto* faces = document_.catalog().composite(key.family))
                 key = faces->front();
             UID family = document_.families().familyNamed(key.family).uid();
-            attributes_.push_back(
-                {FontFamilyAttribute(family), FontFaceAttribute(PMString(key.style))});
+            auto& shared = distinct_[{family, key.style}];
+            if (!shared)
+                shared = std::make_unique<RunAttributes>(
+                    RunAttributes{FontFamilyAttribute(family), FontFaceAttribute(PMString(key.style))});
+            attributes_.push_back(shared.get());
         }
         cachedRevision_ = story_.revision();
     }
@@ -60,10 +64,10 @@ const ITextAttrUID* StoryTextModel::QueryFontFamilyAttribute(TextIndex start, Te
         return nullptr;
     const auto& all = attributes();
     for (std::size_t i = first + 1; i <= last; ++i) {
-        if (all[i].family.GetUIDData() != all[first].family.GetUIDData())
+        if (all[i]->family.GetUIDData() != all[first]->family.GetUIDData())
             return nullptr;
     }
-    return &all[first].family;
+    return &all[first]->family;
 }
 
 const ITextAttrFont* StoryTextModel::QueryFontFaceAttribute(TextIndex start, TextIndex end) const {
@@ -72,10 +76,10 @@ const ITextAttrFont* StoryTextModel::QueryFontFaceAttribute(TextIndex start, Tex
         return nullptr;
     const auto& all = attributes();
     for (std::size_t i = first + 1; i <= last; ++i) {
-        if (!(all[i].face.GetFontName() == all[first].face.GetFontName()))
+        if (!(all[i]->face.GetFontName() == all[first]->face.GetFontName()))
             return nullptr;
     }
-    return &all[first].face;
+    return &all[first]->face;
 }
 
 } // namespace Galley

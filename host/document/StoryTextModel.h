@@ -5,6 +5,9 @@
 #include "sdk/IComposeScanner.h"
 #include "sdk/ITextModel.h"
 
+#include <map>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace Galley {
@@ -40,12 +43,14 @@ private:
     };
     // Indices of the first and last run over [start, end), or false when none.
     bool runsOver(TextIndex start, TextIndex end, std::size_t& first, std::size_t& last) const;
-    const std::vector<RunAttributes>& attributes() const;
+    // One entry per run, pointing at one shared value per distinct family and face.
+    const std::vector<const RunAttributes*>& attributes() const;
 
     UID uid_;
     Story& story_;
     IdmlDocument& document_;
-    mutable std::vector<RunAttributes> attributes_;
+    mutable std::vector<const RunAttributes*> attributes_;
+    mutable std::map<std::pair<UID, std::string>, std::unique_ptr<RunAttributes>> distinct_;
     mutable unsigned cachedRevision_ = ~0u;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -22,5 +23,18 @@ private:
     std::string part_;
     std::string detail_;
 };
+
+// Font and style names are short; one of megabytes, inherited by every style and run below
+// it, would multiply into gigabytes.
+inline constexpr std::size_t kMaxNameBytes = 256;
+
+// Throws IdmlError naming `file` and `part` when `name` is longer than kMaxNameBytes.
+inline void checkNameLength(const std::string& file, const std::string& part,
+                            const std::optional<std::string>& name) {
+    if (name && name->size() > kMaxNameBytes)
+        throw IdmlError(file, part,
+                        "a font or style name is longer than " + std::to_string(kMaxNameBytes) +
+                            " bytes");
+}
 
 } // namespace Galley

@@ -43,10 +43,6 @@ int characterCount(const xmlNode* child) {
     return 0;
 }
 
-FontReference localFont(const xmlNode* node) {
-    return {property(node, "AppliedFont"), property(node, "FontStyle")};
-}
-
 void setText(xmlNode* element, const std::string& text) {
     xmlNodeSetContent(element, nullptr);
     xmlAddChild(element, xmlNewDocText(element->doc, xml(text.c_str())));
@@ -95,16 +91,26 @@ Story::Story(const std::string& file, std::string part, XmlDocPtr doc, const Sty
 void Story::rebuildRuns() {
     runs_.clear();
     length_ = 0;
-    collectRuns(xmlDocGetRootElement(doc_.get()), Paragraph{});
+    collectRuns(xmlDocGetRootElement(doc_.get()), std::make_shared<ParagraphFormat>());
 }
 
 Story::Paragraph Story::readParagraph(const xmlNode* range) const {
-    Paragraph paragraph{attribute(range, "AppliedParagraphStyle").value_or(""), localFont(range)};
-    checkStyle(StyleKind::Paragraph, paragraph.style);
+    auto paragraph = std::make_shared<ParagraphFormat>();
+    paragraph->style = attribute(range, "AppliedParagraphStyle").value_or("");
+    paragraph->local = readLocalFont(range);
+    checkStyle(StyleKind::Paragraph, paragraph->style);
     return paragraph;
 }
 
+FontReference Story::readLocalFont(const xmlNode* range) const {
+    FontReference font{property(range, "AppliedFont"), property(range, "FontStyle")};
+    checkNameLength(file_, part_, font.family);
+    checkNameLength(file_, part_, font.style);
+    return font;
+}
+
 void Story::checkStyle(StyleKind kind, const std::string& reference) const {
+    checkNameLength(file_, part_, reference);
     if (styles_->find(kind, reference) || StyleSheet::isBuiltInEmptyStyle(reference))
         return;
     throw IdmlError(file_, part_,
@@ -131,10 +137,9 @@ void Story::collectRuns(xmlNode* node, const Paragraph& paragraph) {
         run.start = length_;
         for (const xmlNode* item = child->children; item; item = item->next)
             run.length += characterCount(item);
-        run.paragraphStyle = paragraph.style;
-        run.paragraphLocal = paragraph.local;
+        run.paragraph = paragraph;
         run.characterStyle = attribute(child, "AppliedCharacterStyle").value_or("");
-        run.characterLocal = localFont(child);
+        run.characterLocal = readLocalFont(child);
         checkStyle(StyleKind::Character, run.characterStyle);
         length_ += run.length;
         if (run.length > 0)

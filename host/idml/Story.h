@@ -4,10 +4,17 @@
 #include "host/idml/StyleSheet.h"
 #include "host/idml/XmlPart.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace Galley {
+
+// The formatting of one ParagraphStyleRange, shared by all the runs in it.
+struct ParagraphFormat {
+    std::string style;   // the applied paragraph style as written
+    FontReference local; // set on the ParagraphStyleRange
+};
 
 // A stretch of a story's text in one CharacterStyleRange, with the formatting that applies
 // to it at each level.
@@ -15,9 +22,8 @@ struct StoryRun {
     xmlNode* range = nullptr; // the CharacterStyleRange element
     int start = 0;            // in characters from the story's start
     int length = 0;
-    std::string paragraphStyle;   // self of the applied paragraph style
-    std::string characterStyle;   // self of the applied character style
-    FontReference paragraphLocal; // set on the ParagraphStyleRange
+    std::shared_ptr<const ParagraphFormat> paragraph; // never null
+    std::string characterStyle;   // the applied character style as written
     FontReference characterLocal; // set on the CharacterStyleRange
 };
 
@@ -48,11 +54,9 @@ public:
 
 private:
     void rebuildRuns();
-    struct Paragraph {
-        std::string style;
-        FontReference local;
-    };
+    using Paragraph = std::shared_ptr<const ParagraphFormat>;
     Paragraph readParagraph(const xmlNode* range) const;
+    FontReference readLocalFont(const xmlNode* range) const;
     void collectRuns(xmlNode* node, const Paragraph& paragraph);
     void checkStyle(StyleKind kind, const std::string& reference) const;
     void splitAt(int position);

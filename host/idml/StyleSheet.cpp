@@ -57,6 +57,14 @@ bool StyleSheet::isBuiltInEmptyStyle(const std::string& self) {
 StyleSheet StyleSheet::parse(const std::string& file, const std::string& part, xmlDoc* doc) {
     StyleSheet sheet;
     collect(xmlDocGetRootElement(doc), sheet.styles_);
+    // Each style holds what it inherits, so their number bounds what the names cost.
+    if (sheet.styles_.size() > kMaxStyles)
+        throw IdmlError(file, part, "more than " + std::to_string(kMaxStyles) + " styles");
+    for (const TextStyle& style : sheet.styles_) {
+        for (const auto& name : {std::optional(style.self), std::optional(style.name),
+                                 std::optional(style.basedOn), style.own.family, style.own.style})
+            checkNameLength(file, part, name);
+    }
     sheet.index();
     sheet.resolveAll(file, part);
     return sheet;

@@ -12,6 +12,9 @@ namespace Galley {
 
 enum class StyleKind { Paragraph, Character };
 
+// Documents have hundreds of styles, rarely a few thousand.
+inline constexpr std::size_t kMaxStyles = 20000;
+
 struct TextStyle {
     StyleKind kind = StyleKind::Paragraph;
     std::string self; // "ParagraphStyle/Body"

@@ -128,6 +128,22 @@ std::vector<HostileCase> hostileCases() {
                    p);
              corruptCrc(p, "Resources/Styles.xml");
          }},
+        {"long-name", "Resources/Styles.xml", "longer than",
+         [](const std::string& p) {
+             // One family name of megabytes, inherited by thousands of styles.
+             D d = parseDescription("story\n");
+             d.paragraphStyles.push_back({"Base", "", {std::string(8u << 20, 'F'), {}, true}});
+             for (int i = 0; i < 5000; ++i)
+                 d.paragraphStyles.push_back({"S" + std::to_string(i), "Base", {}});
+             write(d, p);
+         }},
+        {"many-styles", "Resources/Styles.xml", "styles",
+         [](const std::string& p) {
+             D d = parseDescription("story\n");
+             for (int i = 0; i < 30000; ++i)
+                 d.paragraphStyles.push_back({"S" + std::to_string(i), i ? "S0" : "", {}});
+             write(d, p);
+         }},
         {"story-listed-often", "", "",
          [](const std::string& p) {
              D d = parseDescription("story\npara\nrun text=t\n");

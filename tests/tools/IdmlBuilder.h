@@ -26,7 +26,7 @@ struct StyleDef {
     std::string name;
     std::string basedOn; // a style name of the same kind; empty for none
     FontAttrs attrs;
-    std::string group;        // the style group holding it; empty for the root group
+    std::string group = {};   // the style group holding it; empty for the root group
     bool basedByName = false; // BasedOn gives the parent's Name instead of its Self
 };
 
@@ -40,7 +40,7 @@ struct RunDef {
     FontAttrs attrs;
     std::string text; // "\n" becomes <Br/>
     Container container = Container::None;
-    std::string innerParagraphStyle; // of the nested paragraph
+    std::string innerParagraphStyle = {}; // of the nested paragraph
     int specialCharacter = -1;       // writes <?ACE n?> before the text when >= 0
     bool characterReferences = false; // non-ASCII text and '&' as numeric references
     int anchoredStory = -1;           // set by the writer
