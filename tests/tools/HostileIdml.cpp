@@ -116,7 +116,7 @@ std::vector<HostileCase> hostileCases() {
          [](const std::string& p) {
              // libxml2 refuses a single text or comment of over 10 MB by itself.
              std::string comment = "<!--" + std::string(1u << 20, 'x') + "-->";
-             write(withStories(3, story(repeat(comment, 30))), p);
+             write(withStories(3, story(repeat(comment, 25))), p);
          }},
         {"large-part", kStoryPart, "part is too large",
          [](const std::string& p) {
@@ -156,7 +156,7 @@ std::vector<HostileCase> hostileCases() {
         {"unread-large-part", "", "",
          [](const std::string& p) {
              D d = parseDescription("story\npara\nrun text=t\n");
-             d.replacedParts["Spreads/Spread_u1.xml"] = std::string(48u << 20, ' ');
+             d.replacedParts["Spreads/Spread_u1.xml"] = std::string(33u << 20, ' ');
              write(d, p);
          }},
         {"many-ranges", "", "", [](const std::string& p) { write(manyRanges(40000, false), p); }},
