@@ -32,6 +32,12 @@ inline constexpr RsrcID kReplacerDialogRsrcID = 0x11F30E;
 inline constexpr RsrcID kReplacerElementRsrcID = 0x11F30F;
 
 // --- Widgets ----------------------------------------------------------------------------
+// The dialogs' and rows' own top-level widgets.
+inline constexpr WidgetID kVellumineDialogWidgetID = 0x11F31C;
+inline constexpr WidgetID kWaitingDialogWidgetID = 0x11F323;
+inline constexpr WidgetID kReplacerDialogWidgetID = 0x11F30E;
+inline constexpr WidgetID kFontRowWidgetID = 0x11F310;
+inline constexpr WidgetID kMatchRowWidgetID = 0x11F311;
 inline constexpr WidgetID kReplacerPanelWidgetID = 0x11F301;
 inline constexpr WidgetID kInfoButtonWidgetID = 0x11F302;
 inline constexpr WidgetID kFontListPanelWidgetID = 0x11F306;
@@ -42,6 +48,8 @@ inline constexpr WidgetID kRowStatusWidgetID = 0x11F30A;
 inline constexpr WidgetID kBuyButtonWidgetID = 0x11F30B;
 inline constexpr WidgetID kActivateButtonWidgetID = 0x11F30C;
 inline constexpr WidgetID kReplaceButtonWidgetID = 0x11F30D;
+// The replacement list's element (the root of its element resource) and its text.
+inline constexpr WidgetID kReplacerElementWidgetID = 0x11F30F;
 inline constexpr WidgetID kReplacerListBoxWidgetID = 0x11F312;
 inline constexpr WidgetID kReplacerElementTextWidgetID = 0x11F313;
 inline constexpr WidgetID kFontTreeWidgetID = 0x11F31B;

@@ -1,0 +1,139 @@
+#pragma once
+
+#include "document/IDFontSuite.h"
+#include "host/dialogs/Dialog.h"
+#include "host/runtime/Runtime.h"
+#include "host/runtime/SdEventLoop.h"
+#include "host/session/GalleySession.h"
+#include "link/NotifiyHandlerFactory.h"
+#include "link/VLMNotifyHandler.h"
+#include "resources/VellumineIDs.h"
+#include "sdk/HostIdentifiers.h"
+#include "support/FakePlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace UiTest {
+
+// A font record in the state a font request's reply leaves it.
+struct Shape {
+    unsigned candidates = 0;     // typeMatchingCount
+    bool suppliable = false;     // hasTypeMatching
+    bool activeInManager = false; // isTypeMatchingActive
+    bool used = false;           // the document has it (stateFlag4)
+    bool replaced = false;       // stateFlag1
+};
+
+inline Tamrik::SmartPointer<VLMFontInfo> record(const std::string& name, Shape shape,
+                                                const std::vector<std::string>& containers = {}) {
+    Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
+    font->font.syncID = "1-" + name;
+    font->font.psName = name;
+    font->font.styleName = "Regular";
+    font->hostFontName = name;
+    font->font.typeMatchingCount = shape.candidates;
+    font->hasTypeMatching = shape.suppliable;
+    font->font.isTypeMatchingActive = shape.activeInManager;
+    font->stateFlag4 = font->stateFlag3 = shape.used;
+    font->stateFlag1 = shape.replaced;
+    for (const auto& container : containers)
+        font->font.fontInfo.push_back({container, name + " from " + container});
+    return font;
+}
+
+// Installed faces for the replacement list.
+struct Faces : Galley::FaceSource {
+    std::vector<Galley::InstalledFace> load() override {
+        auto face = [](std::string family, std::string style) {
+            Galley::InstalledFace made;
+            made.postscriptName = family + "-" + style;
+            made.families = {family};
+            made.styles = {style};
+            made.fullName = family + " " + style;
+            made.type = IPMFont::kOpenTypeCFF;
+            return made;
+        };
+        return {face("Alpha", "Regular"), face("Alpha", "Bold"), face("Beta", "Regular")};
+    }
+    bool changedSinceLoad() override { return false; }
+};
+
+// The runtime with the fonts dialogs registered, over fake platform services whose font
+// manager runs and answers every request; each test starts with a fresh font suite.
+class FontsDialogTest : public ::testing::Test {
+protected:
+    FontsDialogTest() {
+        platform.runningApplications.add("VLMQ", "org.vellumine.Vellumine", 11);
+        platform.appEvents.setResponder([](const Platform::AppEvent&) {
+            return VLMTest::FakeAppEvents::Answer{0, "<cmd>reply</cmd>\n<protocolVersion>2.0</protocolVersion>\n</cmd>\n"};
+        });
+        Galley::Runtime::Options options;
+        options.watchFontFolders = false;
+        options.deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        runtime = std::make_unique<Galley::Runtime>(loop, session, presenter, options);
+        runtime->loadPlugins({UI_TEST_PLUGIN});
+        suite = VLM::IDFontSuite::getFontSuite(true);
+    }
+    ~FontsDialogTest() override { runtime->shutdown(); }
+
+    Galley::Dialog& open(RsrcID resource) {
+        IDialog* dialog = runtime->CreateNewDialog(
+            RsrcSpec(PMLocaleId{}, kVelluminePrefix, kViewRsrcType, resource), IDialog::kMovableModal);
+        EXPECT_NE(dialog, nullptr);
+        dialog->Open();
+        return *static_cast<Galley::Dialog*>(dialog);
+    }
+    static Galley::Widget& widget(Galley::Dialog& dialog, WidgetID id) {
+        auto* found = static_cast<Galley::Widget*>(dialog.root().FindWidget(id, 9999));
+        if (!found)
+            throw std::runtime_error("no widget " + std::to_string(id));
+        return *found;
+    }
+    static void notify() { VLM::NotifiyHandlerFactory::getNotifyHandler(false)->notifiyAll("<cmd cmd=\"fontChanged\"/>"); }
+
+    // Every request of `command` sent to the font manager, each as the values of `element`.
+    std::vector<std::vector<std::string>> requests(const std::string& command, const std::string& element) const {
+        std::vector<std::vector<std::string>> found;
+        const std::string open = "<" + element + ">", close = "</" + element + ">";
+        for (const auto& sent : platform.appEvents.sent()) {
+            const std::string& text = sent.event.text;
+            if (text.find("<cmd>" + command + "</cmd>") == std::string::npos)
+                continue;
+            found.emplace_back();
+            for (auto at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
+                const auto start = at + open.size();
+                found.back().push_back(text.substr(start, text.find(close, start) - start));
+            }
+        }
+        return found;
+    }
+    // Runs `act` on the dialog in front at the loop's next turn (inside a modal wait).
+    void whenShown(std::function<void(Galley::Dialog&)> act) {
+        runtime->loop().post([this, act] {
+            if (Galley::Dialog* front = runtime->frontDialog())
+                act(*front);
+        });
+    }
+
+    struct Presenter : Galley::Presenter {
+        std::vector<std::string> closed;
+        void dialogClosed(Galley::Dialog& dialog) override { closed.push_back(dialog.title()); }
+        int16 alert(IAlertPresenter::Kind, const std::string&, const std::string[3], int16 button) override {
+            return button;
+        }
+    };
+
+    VLMTest::FakePlatform platform;
+    Galley::SdEventLoop loop;
+    Faces faces;
+    Galley::GalleySession session{faces};
+    Presenter presenter;
+    std::unique_ptr<Galley::Runtime> runtime;
+    VLM::IDFontSuite* suite = nullptr;
+};
+
+} // namespace UiTest

@@ -1,0 +1,74 @@
+#include "ui/VLMTreeViewWidgetMgr.h"
+
+#include "resources/VellumineIDs.h"
+#include "sdk/IControlView.h"
+#include "ui/FontRowStatus.h"
+#include "ui/TreeViewDataNode.h"
+#include "ui/VLMFontNodeID.h"
+
+namespace {
+
+bool isFontRow(const NodeID& node) {
+    const TreeViewDataNode* data = VLMFontNodeID::NodeOf(node);
+    return data && data->GetLevel() == 2;
+}
+
+ITextControlData* textOf(IControlView* row, WidgetID id) {
+    IPanelControlData* panel = row->GetPanelControlData();
+    IControlView* cell = panel ? panel->FindWidget(id, 9999) : nullptr;
+    return cell ? cell->GetTextControlData() : nullptr;
+}
+
+void setText(IControlView* row, WidgetID id, const std::string& text) {
+    if (ITextControlData* cell = textOf(row, id))
+        cell->SetString(PMString(text, PMString::kDontTranslateDuringCall));
+}
+
+void showFont(IControlView* row, const VLMFontInfo& font) {
+    setText(row, kRowNameWidgetID, font.hostFontName.empty() ? font.font.familyName : font.hostFontName);
+    setText(row, kRowStyleWidgetID, font.font.styleName);
+    setText(row, kRowTechnologyWidgetID, font.getTechnology());
+    IPanelControlData* panel = row->GetPanelControlData();
+    IControlView* status = panel ? panel->FindWidget(kRowStatusWidgetID, 9999) : nullptr;
+    if (!status)
+        return;
+    const std::string key = FontRowStatus::textKey(font);
+    if (ITextControlData* text = status->GetTextControlData())
+        text->SetString(key.empty() ? PMString() : PMString(key.c_str()));
+    status->SetTextColor(FontRowStatus::colour(font));
+}
+
+// A match row names the font manager's face: the description it gave for the container.
+void showMatch(IControlView* row, const VLMFontInfo& font, const std::string& container) {
+    std::string description = container;
+    for (const auto& match : font.font.fontInfo)
+        if (match.first == container) {
+            description = match.second;
+            break;
+        }
+    setText(row, kRowNameWidgetID, description);
+    setText(row, kRowTechnologyWidgetID, font.getTechnology());
+}
+
+} // namespace
+
+IControlView* VLMTreeViewWidgetMgr::CreateWidgetForNode(const NodeID& node) const {
+    return CreateRowWidget(RsrcSpec(MLocaleSetting::GetLocale(), kVelluminePrefix, kViewRsrcType,
+                                    GetWidgetTypeForNode(node)));
+}
+
+WidgetID VLMTreeViewWidgetMgr::GetWidgetTypeForNode(const NodeID& node) const {
+    return isFontRow(node) ? kFontRowRsrcID : kMatchRowRsrcID;
+}
+
+bool VLMTreeViewWidgetMgr::ApplyNodeIDToWidget(const NodeID& node, IControlView* widget, int32) const {
+    const TreeViewDataNode* data = VLMFontNodeID::NodeOf(node);
+    const auto record = data ? data->GetData() : Tamrik::SmartPointer<VLMFontInfo>();
+    if (!widget || !record)
+        return false;
+    if (data->GetLevel() == 2)
+        showFont(widget, *record);
+    else
+        showMatch(widget, *record, data->GetContainerID());
+    return true;
+}
