@@ -1,6 +1,7 @@
 #include "document/DocumentServiceProvider.h"
 #include "document/ErrorMessage.h"
 #include "document/IDFontSuite.h"
+#include "foundation/Logger.h"
 #include "link/NotifiyHandlerFactory.h"
 #include "resources/VellumineIDs.h"
 #include "sdk/CAlert.h"
@@ -78,6 +79,9 @@ void DocumentResponder::Respond(ISignalMgr* signalMgr) {
             suite->currentDocument = document;
             const int missing = suite->getNumMissingFonts(fonts, true);
             const int notInstalled = suite->getNumFontsNotInstalled(fonts);
+            Logger::log("DocWatch-Respond", "showWindow " + std::to_string(showWindow) + ", missing " +
+                                                std::to_string(missing) + ", not installed " +
+                                                std::to_string(notInstalled));
             if (!showFontsDialog(showWindow, missing, notInstalled))
                 return;
             if (observer)

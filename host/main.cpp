@@ -1,5 +1,8 @@
 #include "host/app/FontsCommand.h"
 #include "host/batch/BatchCommand.h"
+#ifdef GALLEY_WITH_GUI
+#include "host/gui/GuiApplication.h"
+#endif
 
 #include <unistd.h>
 
@@ -14,7 +17,7 @@ namespace {
 void printUsage(std::ostream& out) {
     out << "usage: galley --batch FILE.idml [--timeout SECONDS] [ACTION...]\n"
            "       galley fonts FILE.idml [--json]\n"
-           "       galley FILE.idml\n"
+           "       galley [FILE.idml]\n"
            "\n"
            "  --batch   open the document without a window; the plug-ins respond and their dialogs\n"
            "            are shown as text (galley --batch --help for the actions)\n"
@@ -48,9 +51,14 @@ int main(int argc, char** argv) {
         }
         return Galley::runBatchCommand({arguments.begin() + 1, arguments.end()}, executablePath(argv[0]));
     }
-    // The window needs the desktop build; batch mode runs everywhere.
-    std::cerr << "galley: this build has no window; open the document with\n"
-                 "  galley --batch "
-              << arguments[0] << "\n";
+    const std::string document = arguments[0];
+#ifdef GALLEY_WITH_GUI
+    if (Galley::guiAvailable())
+        return Galley::runGui(argc, argv, document, executablePath(argv[0]));
+    std::cerr << "galley: no display to open a window on; open the document without one:\n";
+#else
+    std::cerr << "galley: this build has no window; open the document without one:\n";
+#endif
+    std::cerr << "  galley --batch " << document << "\n(galley --batch --help for what batch mode can do)\n";
     return 2;
 }

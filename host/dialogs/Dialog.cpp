@@ -10,6 +10,7 @@ Dialog::Dialog(DialogHost& host, const RsrcSpec& spec, DialogType)
     : host_(host), spec_(spec) {
     DialogHost::DialogResource resource = host.dialogResource(spec);
     plugin_ = resource.plugin;
+    file_ = resource.file;
     title_ = resource.description.text;
     root_ = std::make_unique<Widget>(resource.description, *this);
     root_->forEach([&](Widget& widget) { host_.addWidgetAddIns(widget); });

@@ -20,6 +20,8 @@ public:
 
     Widget& root() { return *root_; }
     const RsrcSpec& spec() const { return spec_; }
+    // The description the dialog was made from (the GUI loads the same file).
+    const std::string& descriptionFile() const { return file_; }
     const std::string& title() const { return title_; }
     bool closesByItself() const { return closesByItself_; }
     bool wasCancelled() const { return cancelled_; }
@@ -66,6 +68,7 @@ private:
     DialogHost& host_;
     RsrcSpec spec_;
     std::string plugin_;
+    std::string file_;
     std::string title_;
     std::unique_ptr<Widget> root_;
     std::unique_ptr<IPMUnknown> controller_;

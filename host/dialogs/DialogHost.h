@@ -23,6 +23,7 @@ public:
 
     struct DialogResource {
         std::string plugin;        // for messages
+        std::string file;          // the description's file
         WidgetSpec description;
         PluginFactory controller = nullptr;
         PluginFactory observer = nullptr;

@@ -331,7 +331,7 @@ DialogHost::DialogResource Runtime::dialogResource(const RsrcSpec& spec) {
     auto cached = descriptions_.find(file);
     if (cached == descriptions_.end())
         cached = descriptions_.emplace(file, readUiDescription(file)).first;
-    return {plugin->name(), cached->second, entry.controller, entry.observer};
+    return {plugin->name(), file, cached->second, entry.controller, entry.observer};
 }
 
 WidgetSpec Runtime::widgetResource(const RsrcSpec& spec) {

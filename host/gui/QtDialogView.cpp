@@ -1,0 +1,181 @@
+#include "host/gui/QtDialogView.h"
+
+#include "host/dialogs/Dialog.h"
+#include "host/dialogs/DialogText.h"
+#include "host/gui/TreeRowsModel.h"
+#include "host/runtime/MainLoop.h"
+
+#include <QAbstractButton>
+#include <QDialog>
+#include <QEvent>
+#include <QFile>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QTreeView>
+#include <QUiLoader>
+
+#include <stdexcept>
+
+namespace Galley {
+
+namespace {
+
+// Closing the window by its frame cancels the dialog, as its Cancel button would.
+class DialogWindowFilter : public QObject {
+public:
+    DialogWindowFilter(Dialog& dialog, MainLoop& loop, QObject* parent)
+        : QObject(parent), dialog_(dialog), loop_(loop) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Close) {
+            event->ignore();
+            loop_.post([dialog = &dialog_] { dialog->cancel(); });
+            return true;
+        }
+        return false;
+    }
+
+private:
+    Dialog& dialog_;
+    MainLoop& loop_;
+};
+
+} // namespace
+
+QtDialogView::QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent) : dialog_(dialog), loop_(loop) {
+    QFile file(QString::fromStdString(dialog.descriptionFile()));
+    if (!file.open(QIODevice::ReadOnly))
+        throw std::runtime_error("dialog description " + dialog.descriptionFile() + " cannot be read");
+    QUiLoader loader;
+    QWidget* loaded = loader.load(&file, parent);
+    window_ = qobject_cast<QDialog*>(loaded);
+    if (!window_) {
+        delete loaded;
+        throw std::runtime_error("dialog description " + dialog.descriptionFile() + " is not a QDialog");
+    }
+    window_->setWindowTitle(QString::fromStdString(dialog.displayText(PMString(dialog.title()))));
+    window_->setWindowModality(Qt::ApplicationModal);
+    window_->installEventFilter(new DialogWindowFilter(dialog, loop, window_));
+    dialog.root().forEach([&](Widget& model) {
+        QWidget* view = model.GetName().empty() ? nullptr
+                                                : window_->findChild<QWidget*>(QString::fromStdString(model.GetName()));
+        if (&model == &dialog.root())
+            view = window_;
+        if (view)
+            bind(model, view);
+    });
+    sync();
+}
+
+QtDialogView::~QtDialogView() {
+    if (window_) {
+        window_->hide();
+        window_->deleteLater();
+    }
+}
+
+QWidget* QtDialogView::qtWidgetFor(const Widget& widget) const {
+    auto found = views_.find(const_cast<Widget*>(&widget));
+    return found == views_.end() ? nullptr : found->second;
+}
+
+void QtDialogView::bind(Widget& model, QWidget* view) {
+    views_[&model] = view;
+    Dialog* dialog = &dialog_;
+    Widget* widget = &model;
+    if (auto* button = qobject_cast<QAbstractButton*>(view)) {
+        // The window's own default-button handling would press it twice.
+        QObject::connect(button, &QAbstractButton::clicked, this,
+                         [this, dialog, widget] { loop_.post([dialog, widget] { dialog->pressButton(*widget); }); });
+    } else if (auto* tree = qobject_cast<QTreeView*>(view)) {
+        auto* rows = new TreeRowsModel(model, tree);
+        trees_[&model] = rows;
+        tree->setModel(rows);
+        tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
+        tree->setRootIsDecorated(true);
+        tree->setAlternatingRowColors(true);
+        QObject::connect(tree->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this, tree, rows, widget] {
+            if (syncing_)
+                return;
+            std::vector<int> chosen;
+            for (const QModelIndex& index : tree->selectionModel()->selectedRows())
+                chosen.push_back(rows->rowIndex(index));
+            loop_.post([widget, chosen] {
+                widget->DeselectAll(false);
+                for (std::size_t i = 0; i < chosen.size(); ++i)
+                    if (chosen[i] >= 0 && chosen[i] < widget->RowCount())
+                        widget->Select(widget->rows()[static_cast<std::size_t>(chosen[i])].node, true,
+                                       i + 1 == chosen.size());
+                if (chosen.empty())
+                    widget->DeselectAll(true);
+            });
+        });
+    } else if (auto* list = qobject_cast<QListWidget*>(view)) {
+        QObject::connect(list, &QListWidget::currentRowChanged, this, [this, widget](int row) {
+            if (!syncing_ && row >= 0)
+                loop_.post([widget, row] { widget->Select(row, true); });
+        });
+        QObject::connect(list, &QListWidget::itemDoubleClicked, this, [this, list, widget](QListWidgetItem* item) {
+            const int row = list->row(item);
+            loop_.post([widget, row] { widget->doubleClickElement(row); });
+        });
+    }
+}
+
+void QtDialogView::sync(Widget* widget) {
+    syncing_ = true;
+    if (widget && views_.count(widget)) {
+        syncOne(*widget, views_[widget]);
+    } else {
+        for (auto& [model, view] : views_)
+            syncOne(*model, view);
+    }
+    syncing_ = false;
+}
+
+void QtDialogView::syncOne(Widget& model, QWidget* view) {
+    view->setEnabled(model.IsEnabled());
+    if (view != window_)
+        view->setVisible(model.IsVisible());
+    const QString text = QString::fromStdString(model.displayText());
+    if (auto* label = qobject_cast<QLabel*>(view)) {
+        label->setText(text);
+    } else if (auto* edit = qobject_cast<QLineEdit*>(view)) {
+        edit->setText(text);
+    } else if (auto* button = qobject_cast<QAbstractButton*>(view)) {
+        button->setText(text);
+    } else if (auto* bar = qobject_cast<QProgressBar*>(view)) {
+        bar->setRange(model.GetMinimum(), model.GetMaximum());
+        bar->setValue(model.GetValue());
+    } else if (auto* tree = qobject_cast<QTreeView*>(view)) {
+        TreeRowsModel* rows = trees_[&model];
+        rows->reload();
+        tree->expandAll();
+        for (int c = 0; c < rows->columnCount(); ++c)
+            tree->resizeColumnToContents(c);
+        NodeIDList selected;
+        model.GetSelectedItems(selected);
+        tree->selectionModel()->clearSelection();
+        for (std::size_t r = 0; r < model.rows().size(); ++r)
+            for (const NodeID& node : selected)
+                if (model.rows()[r].node == node)
+                    tree->selectionModel()->select(rows->indexOfRow(static_cast<int>(r)),
+                                                   QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    } else if (auto* list = qobject_cast<QListWidget*>(view)) {
+        list->clear();
+        for (int32 n = 0; n < model.Length(); ++n) {
+            const auto texts = widgetTexts(*static_cast<Widget*>(model.GetElement(n)));
+            list->addItem(QString::fromStdString(texts.empty() ? "" : texts.front()));
+        }
+        K2Vector<int32> selected;
+        model.GetSelected(selected);
+        if (!selected.empty())
+            list->setCurrentRow(selected.front());
+        if (model.backgroundColor() == kInterfaceMenuHighLight)
+            list->setStyleSheet("QListWidget::item:selected { background: palette(highlight); }");
+    }
+}
+
+} // namespace Galley

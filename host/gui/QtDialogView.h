@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+#include <map>
+#include <memory>
+
+class QDialog;
+class QWidget;
+
+namespace Galley {
+
+class Dialog;
+class MainLoop;
+class TreeRowsModel;
+class Widget;
+
+// One of Galley's dialogs as a real window: the plug-in's description loaded with
+// QUiLoader, each Qt widget bound by its name to the dialog's widget model. The model stays
+// what the plug-in talks to; the window shows it and turns the user's input into the
+// model's presses and selections, at the next turn of the main loop.
+class QtDialogView : public QObject {
+public:
+    // Throws std::runtime_error when the description cannot be loaded into widgets.
+    QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent);
+    ~QtDialogView() override;
+
+    QDialog* window() const { return window_; }
+    // Shows `widget`'s state again (all of them for null).
+    void sync(Widget* widget = nullptr);
+    QWidget* qtWidgetFor(const Widget& widget) const;
+
+private:
+    void bind(Widget& model, QWidget* view);
+    void syncOne(Widget& model, QWidget* view);
+
+    Dialog& dialog_;
+    MainLoop& loop_;
+    QDialog* window_ = nullptr;
+    std::map<Widget*, QWidget*> views_;
+    std::map<Widget*, TreeRowsModel*> trees_;
+    bool syncing_ = false;
+};
+
+} // namespace Galley

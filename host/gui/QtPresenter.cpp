@@ -1,0 +1,74 @@
+#include "host/gui/QtPresenter.h"
+
+#include "host/dialogs/Dialog.h"
+#include "host/gui/QtDialogView.h"
+#include "host/runtime/MainLoop.h"
+
+#include <QDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace Galley {
+
+QtPresenter::QtPresenter() = default;
+QtPresenter::~QtPresenter() = default;
+
+QtDialogView* QtPresenter::viewOf(const Dialog& dialog) const {
+    auto found = views_.find(&dialog);
+    return found == views_.end() ? nullptr : found->second.get();
+}
+
+void QtPresenter::dialogOpened(Dialog& dialog) {
+    try {
+        auto view = std::make_unique<QtDialogView>(dialog, *loop_, parent_);
+        view->window()->show();
+        view->window()->raise();
+        views_[&dialog] = std::move(view);
+    } catch (const std::exception& error) {
+        status(error.what());
+        // A dialog nobody can see would wait for ever.
+        loop_->post([&dialog] { dialog.cancel(); });
+    }
+}
+
+void QtPresenter::dialogChanged(Dialog& dialog, Widget& widget) {
+    if (QtDialogView* view = viewOf(dialog))
+        view->sync(&widget);
+}
+
+void QtPresenter::dialogClosed(Dialog& dialog) {
+    views_.erase(&dialog);
+    if (onDialogClosed)
+        onDialogClosed();
+}
+
+int16 QtPresenter::alert(IAlertPresenter::Kind kind, const std::string& message, const std::string buttons[3],
+                         int16 defaultButton) {
+    QMessageBox box(kind == IAlertPresenter::Kind::information ? QMessageBox::Information : QMessageBox::Warning,
+                    "Galley", QString::fromStdString(message), QMessageBox::NoButton, parent_);
+    QAbstractButton* answers[3] = {nullptr, nullptr, nullptr};
+    for (int i = 0; i < 3; ++i)
+        if (!buttons[i].empty())
+            answers[i] = box.addButton(QString::fromStdString(buttons[i]), QMessageBox::AcceptRole);
+    if (!answers[0])
+        answers[0] = box.addButton(QMessageBox::Ok);
+    if (defaultButton >= 1 && defaultButton <= 3 && answers[defaultButton - 1])
+        box.setDefaultButton(qobject_cast<QPushButton*>(answers[defaultButton - 1]));
+    box.exec();
+    for (int i = 0; i < 3; ++i)
+        if (answers[i] && box.clickedButton() == answers[i])
+            return static_cast<int16>(i + 1);
+    return defaultButton;
+}
+
+void QtPresenter::status(const std::string& message) {
+    if (onStatus)
+        onStatus(message);
+}
+
+void QtPresenter::documentChanged(IdmlDocument& document) {
+    if (onDocumentChanged)
+        onDocumentChanged(document);
+}
+
+} // namespace Galley

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "host/runtime/Presenter.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+
+class QWidget;
+
+namespace Galley {
+
+class MainLoop;
+class QtDialogView;
+
+// The GUI's view of the runtime: each open dialog as a modal window, alerts as message
+// boxes, the host's messages and document changes handed to the main window.
+class QtPresenter : public Presenter {
+public:
+    QtPresenter();
+    ~QtPresenter() override;
+    // The loop that input is posted to and the window dialogs belong to; set before any
+    // dialog opens.
+    void attach(MainLoop& loop, QWidget* parent) {
+        loop_ = &loop;
+        parent_ = parent;
+    }
+
+    std::function<void(const std::string&)> onStatus;
+    std::function<void(IdmlDocument&)> onDocumentChanged;
+    std::function<void()> onDialogClosed;
+
+    QtDialogView* viewOf(const Dialog& dialog) const;
+
+    void dialogOpened(Dialog& dialog) override;
+    void dialogChanged(Dialog& dialog, Widget& widget) override;
+    void dialogClosed(Dialog& dialog) override;
+    int16 alert(IAlertPresenter::Kind kind, const std::string& message, const std::string buttons[3],
+                int16 defaultButton) override;
+    void status(const std::string& message) override;
+    void documentChanged(IdmlDocument& document) override;
+
+private:
+    MainLoop* loop_ = nullptr;
+    QWidget* parent_ = nullptr;
+    std::map<const Dialog*, std::unique_ptr<QtDialogView>> views_;
+};
+
+} // namespace Galley
