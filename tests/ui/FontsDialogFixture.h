@@ -13,28 +13,23 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace UiTest {
 
-// A font record in the state a font request's reply leaves it.
+// A font record in the state a font request's reply leaves it: typeMatchingCount,
+// hasTypeMatching, isTypeMatchingActive, stateFlag4 (the document has it), stateFlag1.
 struct Shape {
-    unsigned candidates = 0;     // typeMatchingCount
-    bool suppliable = false;     // hasTypeMatching
-    bool activeInManager = false; // isTypeMatchingActive
-    bool used = false;           // the document has it (stateFlag4)
-    bool replaced = false;       // stateFlag1
+    unsigned candidates = 0;
+    bool suppliable = false, activeInManager = false, used = false, replaced = false;
 };
 
 inline Tamrik::SmartPointer<VLMFontInfo> record(const std::string& name, Shape shape,
                                                 const std::vector<std::string>& containers = {}) {
     Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
     font->font.syncID = "1-" + name;
-    font->font.psName = name;
-    font->font.styleName = "Regular";
-    font->hostFontName = name;
+    font->font.psName = font->hostFontName = name;
     font->font.typeMatchingCount = shape.candidates;
     font->hasTypeMatching = shape.suppliable;
     font->font.isTypeMatchingActive = shape.activeInManager;
@@ -48,16 +43,14 @@ inline Tamrik::SmartPointer<VLMFontInfo> record(const std::string& name, Shape s
 // Installed faces for the replacement list.
 struct Faces : Galley::FaceSource {
     std::vector<Galley::InstalledFace> load() override {
-        auto face = [](std::string family, std::string style) {
-            Galley::InstalledFace made;
-            made.postscriptName = family + "-" + style;
-            made.families = {family};
-            made.styles = {style};
-            made.fullName = family + " " + style;
-            made.type = IPMFont::kOpenTypeCFF;
-            return made;
-        };
-        return {face("Alpha", "Regular"), face("Alpha", "Bold"), face("Beta", "Regular")};
+        std::vector<Galley::InstalledFace> faces(3);
+        const char* names[3][2] = {{"Alpha", "Regular"}, {"Alpha", "Bold"}, {"Beta", "Regular"}};
+        for (std::size_t n = 0; n < faces.size(); ++n) {
+            faces[n].families = {names[n][0]};
+            faces[n].styles = {names[n][1]};
+            faces[n].postscriptName = faces[n].family() + "-" + faces[n].style();
+        }
+        return faces;
     }
     bool changedSinceLoad() override { return false; }
 };
@@ -111,14 +104,6 @@ protected:
         }
         return found;
     }
-    // Runs `act` on the dialog in front at the loop's next turn (inside a modal wait).
-    void whenShown(std::function<void(Galley::Dialog&)> act) {
-        runtime->loop().post([this, act] {
-            if (Galley::Dialog* front = runtime->frontDialog())
-                act(*front);
-        });
-    }
-
     struct Presenter : Galley::Presenter {
         std::vector<std::string> closed;
         void dialogClosed(Galley::Dialog& dialog) override { closed.push_back(dialog.title()); }

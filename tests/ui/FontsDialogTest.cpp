@@ -5,25 +5,18 @@
 #include "ui/UiRegistration.h"
 #include "ui/VellumineDialogController.h"
 
-namespace {
-
 // Stands in for the refresh task the plug-in makes reachable from the progress dialog.
 struct RefreshTaskProbe : CIdleTask {
     uint32 RunTask(uint32, IdleTimer*) override { return 60000; }
     const char* TaskName() override { return "refresh probe"; }
 };
 
-std::unique_ptr<IPMUnknown> makeRefreshTask(IPMUnknown*) {
-    return std::make_unique<RefreshTaskProbe>();
-}
-
-} // namespace
-
 // What the plug-in shell registers: the fonts dialogs as the plug-in registers them.
 extern "C" void VlmUiTestRegister(IPluginRegistry* registry) {
     registry->SetPluginInfo("Vellumine Link (tests)", kVelluminePrefix);
     VLM::registerFontsDialogs(*registry);
-    registry->RegisterIdleTask(kRefreshIdleTaskImpl, &makeRefreshTask, kWaitingDialogRsrcID, IID_IVELLUMINEREFRESHTASK);
+    auto makeTask = [](IPMUnknown*) -> std::unique_ptr<IPMUnknown> { return std::make_unique<RefreshTaskProbe>(); };
+    registry->RegisterIdleTask(kRefreshIdleTaskImpl, makeTask, kWaitingDialogRsrcID, IID_IVELLUMINEREFRESHTASK);
 }
 
 namespace UiTest {
@@ -31,7 +24,6 @@ namespace {
 
 TEST(FontRowStatus, TextAndColourAreDecidedEachInTheirOwnOrder) {
     using namespace FontRowStatus;
-    const std::string none;
     struct Case { Shape shape; std::string key; RGBColor colour; };
     const Case cases[] = {
         {{2, true}, kVellumineMulitpleTextKey, orange},
@@ -41,7 +33,7 @@ TEST(FontRowStatus, TextAndColourAreDecidedEachInTheirOwnOrder) {
         {{1, true, false, false}, kVellumineAvailableTextKey, green},
         {{1, false}, kVellumineAvailableTextKey, red},
         {{0, false}, kVellumineMissingTextKey, red},
-        {{0, true}, none, red},
+        {{0, true}, "", red},
         {{0, false, false, false, true}, kVellumineReplacedTextKey, orange},
     };
     for (const auto& [shape, key, colour] : cases) {
@@ -133,12 +125,10 @@ TEST_F(FontsDialog, ButtonsActOnSelectedRowsLeavingPendingAndReplacedFontsOut) {
 
 TEST_F(FontsDialog, ReplacingTwiceKeepsTheLaterChoiceAndCancellingMarksNothing) {
     auto choose = [&](int element) {
-        whenShown([element](Galley::Dialog& replacer) {
+        runtime->loop().post([this, element] { // runs inside the replacement dialog's wait
+            Galley::Dialog& replacer = *runtime->frontDialog();
             EXPECT_EQ(widget(replacer, kReplacerPanelWidgetID).backgroundColor(), kInterfaceMenuHighLight);
-            if (element < 0)
-                replacer.cancel();
-            else
-                widget(replacer, kReplacerListBoxWidgetID).doubleClickElement(element);
+            element < 0 ? replacer.cancel() : widget(replacer, kReplacerListBoxWidgetID).doubleClickElement(element);
         });
         ASSERT_TRUE(press(kReplaceButtonWidgetID));
     };

@@ -7,76 +7,71 @@
 #include "ui/VLMProgressBarWidgetView.h"
 #include "ui/WaitingDialog.h"
 
-#include <map>
-
 namespace UiTest {
 namespace {
 
-// A font manager whose families may hold faces that cannot be had, and that may fail to
+// A font manager whose families may hold a face that cannot be had, and that may fail to
 // give a family it counted.
 struct Font : IPMFont {
     std::string family, style;
-    PMString GetPostScriptName() const override { return PMString(family + "-" + style); }
+    PMString GetPostScriptName() const override { return {}; }
     PMString GetFamilyName() const override { return PMString(family); }
     PMString GetStyleName() const override { return PMString(style); }
     FontType GetFontType() const override { return kOpenTypeCFF; }
 };
 struct Family : IFontFamily {
-    std::string name;
-    std::vector<std::string> faces;
-    std::map<std::string, Font> installed;
-    PMString GetFamilyName() const override { return PMString(name); }
-    void GetHostFamilyName(PMString& out) const override { out = GetFamilyName(); }
+    std::vector<Font> faces;
+    std::string unavailable;
+    PMString GetFamilyName() const override { return PMString(faces[0].family); }
+    void GetHostFamilyName(PMString& name) const override { name = GetFamilyName(); }
     int32 GetNumFaces() const override { return static_cast<int32>(faces.size()); }
-    PMString GetFaceName(int32 index) const override { return PMString(faces.at(static_cast<std::size_t>(index))); }
+    PMString GetFaceName(int32 index) const override { return PMString(faces.at(std::size_t(index)).style); }
     PMString GetFacePostScriptName(const PMString&) const override { return {}; }
     IPMFont::FontType GetFaceFontType(const PMString&) const override { return IPMFont::kOpenTypeCFF; }
     IPMFont* QueryFace(const PMString& face) const override {
-        auto found = installed.find(face.GetUTF8String());
-        return found == installed.end() ? nullptr : const_cast<Font*>(&found->second);
+        for (const Font& font : faces)
+            if (font.style == face.GetUTF8String() && font.style != unavailable)
+                return const_cast<Font*>(&font);
+        return nullptr;
     }
 };
 struct FontMgr : IFontMgr {
     std::vector<Family> families;
-    int32 counted = 0;
     int32 GetFontCount(bool, int32) const override { return 0; }
     bool UpdateFontList() override { return false; }
     IPMFont* QueryFont(const PMString&) const override { return nullptr; }
-    int32 GetNumFontFamilies() const override { return counted; }
+    int32 GetNumFontFamilies() const override { return static_cast<int32>(families.size()) + 1; }
     IFontFamily* GetNthFontFamily(int32 index) const override {
-        return index < static_cast<int32>(families.size()) ? const_cast<Family*>(&families[static_cast<std::size_t>(index)]) : nullptr;
+        return index < static_cast<int32>(families.size()) ? const_cast<Family*>(&families[std::size_t(index)]) : nullptr;
     }
     IFontFamily* QueryFontFamily(const PMString&) const override { return nullptr; }
     ISubject* GetSubject() override { return nullptr; }
 };
 struct SessionWithFonts : ISession {
     ISession& real;
-    IFontMgr& fonts;
-    SessionWithFonts(ISession& real, IFontMgr& fonts) : real(real), fonts(fonts) {}
+    FontMgr fonts;
+    explicit SessionWithFonts(ISession& real) : real(real) {}
     IFontMgr* GetFontMgr() override { return &fonts; }
     ITextAttrUtils* GetTextAttrUtils() override { return real.GetTextAttrUtils(); }
-    IApplication* QueryApplication() override { return real.QueryApplication(); }
 };
 
-Family family(std::string name, std::vector<std::string> faces, std::vector<std::string> missing) {
+Family family(const std::string& name, std::initializer_list<const char*> styles, std::string unavailable = "") {
     Family made;
-    made.name = name;
-    made.faces = faces;
-    for (const auto& face : faces)
-        if (std::find(missing.begin(), missing.end(), face) == missing.end()) {
-            made.installed[face].family = name;
-            made.installed[face].style = face;
-        }
+    for (const char* style : styles) {
+        made.faces.emplace_back();
+        made.faces.back().family = name;
+        made.faces.back().style = style;
+    }
+    made.unavailable = std::move(unavailable);
     return made;
 }
 
 using Replacer = FontsDialogTest;
 
 TEST_F(Replacer, ListSkipsFacesThatCannotBeHadAndStaysAlignedWithItsNames) {
-    FontMgr fonts;
-    fonts.families = {family("Gamma", {"Regular", "Ghost", "Bold"}, {"Ghost"}), family("Delta", {"Italic"}, {})};
-    fonts.counted = 3; // the third family cannot be had: the walk ends there
-    SessionWithFonts swapped(session, fonts);
+    SessionWithFonts swapped(session);
+    // Gamma Ghost cannot be had; a third family is counted but cannot be had either.
+    swapped.fonts.families = {family("Gamma", {"Regular", "Ghost", "Bold"}, "Ghost"), family("Delta", {"Italic"})};
     gSession = &swapped;
     Galley::Dialog& dialog = open(kReplacerDialogRsrcID);
     gSession = &session;
@@ -86,10 +81,10 @@ TEST_F(Replacer, ListSkipsFacesThatCannotBeHadAndStaysAlignedWithItsNames) {
     EXPECT_EQ(controller->names(), expected);
     Galley::Widget& list = widget(dialog, kReplacerListBoxWidgetID);
     ASSERT_EQ(list.Length(), 3);
-    for (int32 n = 0; n < 3; ++n)
-        EXPECT_EQ(static_cast<Galley::Widget*>(list.GetElement(n)->GetPanelControlData()->FindWidget(
-                      kReplacerElementTextWidgetID, 9))->GetString(),
-                  expected[static_cast<std::size_t>(n)]);
+    for (int32 n = 0; n < 3; ++n) {
+        IControlView* text = list.GetElement(n)->GetPanelControlData()->FindWidget(kReplacerElementTextWidgetID);
+        EXPECT_EQ(text->GetTextControlData()->GetString(), expected[std::size_t(n)]);
+    }
 }
 
 TEST_F(Replacer, OKLeavesTheChosenNameAndAFlagOnTheDialog) {
