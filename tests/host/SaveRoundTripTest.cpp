@@ -43,10 +43,12 @@ protected:
         faces.link("/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf");
         original = HostTest::writeDescribed(dir, R"(
 font "Lost Serif" Regular LostSerif-Regular Type1
+composite Mixed "Nimbus Roman" Regular "DejaVu Serif" Book
 pstyle Body font="Nimbus Roman" style=Regular
 story
 para pstyle=Body
 run text="stays in Nimbus Roman"
+run font=Mixed text=" and a composite the saved catalog must keep"
 story
 para pstyle=Body
 run font="Lost Serif" style=Regular text="replace me\n"
@@ -62,6 +64,8 @@ run cstyle= text="and leave me"
     }
 };
 
+// The rewritten Fonts.xml keeps the composite font: without it, the reopened document
+// would miss a font named "Mixed".
 TEST_F(SaveRoundTrip, ReplacedFontSurvivesSaveAndReopenAndOnlyChangedPartsDiffer) {
     auto doc = openReplaced();
     Galley::saveDocumentAs(*doc, saved);
