@@ -24,6 +24,8 @@ void QtPresenter::dialogOpened(Dialog& dialog) {
         view->window()->show();
         view->window()->raise();
         views_[&dialog] = std::move(view);
+        if (onDialogOpened)
+            onDialogOpened(dialog);
     } catch (const std::exception& error) {
         status(error.what());
         // A dialog nobody can see would wait for ever.

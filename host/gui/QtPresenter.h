@@ -28,6 +28,7 @@ public:
 
     std::function<void(const std::string&)> onStatus;
     std::function<void(IdmlDocument&)> onDocumentChanged;
+    std::function<void(Dialog&)> onDialogOpened;
     std::function<void()> onDialogClosed;
 
     QtDialogView* viewOf(const Dialog& dialog) const;

@@ -24,7 +24,8 @@ public:
                         const std::string buttons[3], int16 defaultButton) = 0;
     // A line for the user about what the host does (documents opened, plug-ins' failures).
     virtual void status(const std::string&) {}
-    // The document's fonts were resolved again (fonts arrived, went or were replaced).
+    // The document's fonts were resolved again (fonts arrived, went or were replaced), or
+    // the document was just opened (before the plug-ins respond to it).
     virtual void documentChanged(IdmlDocument&) {}
 };
 

@@ -202,6 +202,8 @@ bool Runtime::callPlugin(const std::string& what, const std::function<void()>& c
 IdmlDocument& Runtime::openDocument(const std::string& path) {
     auto opened = IdmlDocument::open(path, session_.fonts());
     document_ = std::move(opened);
+    // Shown first, so that the plug-ins' dialogs come up in front of the document.
+    presenter_.documentChanged(*document_);
     sendDocumentSignal(kAfterOpenDocSignalResponderService, document_.get());
     return *document_;
 }

@@ -12,6 +12,7 @@
 #include "sdk/ISignalMgr.h"
 #include "sdk/TickCount.h"
 #include "tests/support/FakePlatform.h"
+#include "tests/support/FontManagerStandIn.h"
 
 #include <gtest/gtest.h>
 
@@ -20,12 +21,7 @@ namespace DocumentTest {
 using VLM::IDFontSuite;
 using FontVector = IDFontSuite::FontVector;
 
-// What the font manager stand-in holds of a font, by syncID.
-struct Holding {
-    int typeMatchingCount = 1;
-    bool active = false;
-    std::vector<std::string> containers{"11"};
-};
+using Holding = VLMTest::FontManagerStandIn::Holding;
 
 class DocumentServices : public ::testing::Test {
 public:
@@ -33,7 +29,7 @@ public:
         suite = IDFontSuite::getFontSuite(true);
         VLM::NotifiyHandlerFactory::getNotifyHandler(true);
         platform.runningApplications.add("VLMQ", "org.vellumine.Vellumine", 42);
-        platform.appEvents.setResponder([this](const Platform::AppEvent& event) { return answer(event.text); });
+        platform.appEvents.setResponder([this](const Platform::AppEvent& event) { return vellumine.answer(event.text); });
         document.addFamily(1234, "Minion", {{"Bold", "Minion-Bold", IPMFont::kOpenTypeCFF},
                                             {"Regular", "Minion-Regular", IPMFont::kType1}});
         document.addFamily(7, "Nameless", {{"", "", IPMFont::kTrueType}});
@@ -42,32 +38,7 @@ public:
         session.observerIID = IID_IFONTCHANGEOBSERVER;
     }
 
-    // Answers requests as the font manager would, from `holdings`.
-    VLMTest::FakeAppEvents::Answer answer(const std::string& request) {
-        requests.push_back(request.substr(0, request.find('\n')));
-        if (!replyOverride.empty() && requests.back() == "<cmd>fontRequest</cmd>")
-            return {0, replyOverride};
-        std::string reply = "<cmd>reply</cmd>\n<protocolVersion>" + protocol + "</protocolVersion>\n";
-        reply += std::string("<showWindow>") + (showWindow ? "1" : "0") + "</showWindow>\n";
-        for (std::size_t at = request.find("<syncID>"); at != std::string::npos; at = request.find("<syncID>", at + 1)) {
-            const auto end = request.find("</syncID>", at);
-            const std::string syncID = request.substr(at + 8, end - at - 8);
-            auto held = holdings.find(syncID);
-            if (held == holdings.end())
-                continue;
-            reply += "<font><syncID>" + syncID + "</syncID><type>all</type><typeMatchingCount>" +
-                     std::to_string(held->second.typeMatchingCount) + "</typeMatchingCount><isTypeMatchingActive>" +
-                     (held->second.active ? "true" : "false") + "</isTypeMatchingActive>";
-            for (const auto& container : held->second.containers)
-                reply += "<fontInfo><containerID>" + container + "</containerID><description>x</description></fontInfo>";
-            reply += "</font>\n";
-        }
-        return {0, reply + "</cmd>\n"};
-    }
-
-    bool sent(const std::string& command) const {
-        return std::count(requests.begin(), requests.end(), "<cmd>" + command + "</cmd>") > 0;
-    }
+    bool sent(const std::string& command) const { return vellumine.received(command); }
 
     struct Signal : ISignalMgr, IDocumentSignalData {
         ServiceID service;
@@ -89,11 +60,12 @@ public:
     FakeDocument document;
     VLM::FontChangeObserver observer;
     IDFontSuite* suite = nullptr;
-    std::map<std::string, Holding> holdings;
-    std::vector<std::string> requests;
-    std::string protocol = "2.0";
-    std::string replyOverride;
-    bool showWindow = false;
+    VLMTest::FontManagerStandIn vellumine;
+    std::map<std::string, Holding>& holdings = vellumine.holdings;
+    std::vector<std::string>& requests = vellumine.requests;
+    std::string& protocol = vellumine.protocol;
+    std::string& replyOverride = vellumine.fontReplyOverride;
+    bool& showWindow = vellumine.showWindow;
 };
 
 TEST_F(DocumentServices, TheSuiteIsOneInstanceUntilRecreated) {
@@ -180,7 +152,7 @@ TEST_F(DocumentServices, ChecksAlertOnAMissingFontManagerAndStopQuietlyOnAnOldPr
     EXPECT_TRUE(session.alertTexts.empty());
 
     VLMTest::FakePlatform absent; // nothing runs, no launcher is installed
-    absent.appEvents.setResponder([this](const Platform::AppEvent& event) { return answer(event.text); });
+    absent.appEvents.setResponder([this](const Platform::AppEvent& event) { return vellumine.answer(event.text); });
     EXPECT_NE(suite->basicVlmChecks(), 0);
     EXPECT_EQ(session.alertTexts, std::vector<std::string>{kVellumineNotFoundKey});
     // The four requests still go out after the failed check.
