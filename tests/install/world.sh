@@ -1,0 +1,65 @@
+# Sourced by the install tests: a private world under one temporary folder, removed on exit.
+#   in_world CMD...   runs CMD with only the world's environment: its own session bus (which
+#                     starts no services), XDG folders and fontconfig configuration (DejaVu
+#                     and URW base35 Type 1, plus the folder vellumine activates into), and
+#                     nothing that points into the build tree.
+#   fail MESSAGE      reports a failed check and ends the test.
+#   expect_file PATH  fails unless PATH is a regular file.
+set -euo pipefail
+
+world=$(mktemp -d /tmp/galley-install-test-XXXXXX)
+bus_pid=""
+
+stop_font_manager() {
+    # The font manager started through its launcher runs detached; the bus knows its process.
+    local pid
+    pid=$(in_world dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus \
+        /org/freedesktop/DBus org.freedesktop.DBus.GetConnectionUnixProcessID \
+        string:org.vellumine.Vellumine 2>/dev/null | awk '{print $2}') || true
+    [[ -z $pid ]] || kill "$pid" 2>/dev/null || true
+}
+cleanup() {
+    if [[ -n $bus_pid ]]; then
+        stop_font_manager
+        kill "$bus_pid" 2>/dev/null || true
+    fi
+    rm -rf "$world"
+}
+trap cleanup EXIT
+
+fail() {
+    echo "FAIL: $*" >&2
+    exit 1
+}
+expect_file() {
+    [[ -f $1 ]] || fail "missing $1"
+}
+
+mkdir -p "$world/data/fonts" "$world/config" "$world/cache" "$world/system" "$world/home"
+mkdir -m 0700 "$world/run"
+cat >"$world/fonts.conf" <<CONF
+<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "fonts.dtd">
+<fontconfig>
+  <dir>/usr/share/fonts/truetype/dejavu</dir>
+  <dir>/usr/share/fonts/type1/urw-base35</dir>
+  <dir>$world/data/fonts</dir>
+  <cachedir>$world/fc-cache</cachedir>
+</fontconfig>
+CONF
+cat >"$world/bus.conf" <<CONF
+<busconfig><type>session</type><listen>unix:dir=$world</listen><auth>EXTERNAL</auth>
+<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/>
+<allow own="*"/></policy></busconfig>
+CONF
+{ read -r bus_address; read -r bus_pid; } < <(dbus-daemon --config-file="$world/bus.conf" \
+    --fork --print-address=1 --print-pid=1 2>/dev/null)
+
+# XDG_DATA_DIRS is set by the test: it is where launchers are looked for.
+world_data_dirs="$world/system"
+in_world() {
+    env -i PATH=/usr/bin:/bin HOME="$world/home" LANG=C.UTF-8 \
+        XDG_DATA_HOME="$world/data" XDG_CONFIG_HOME="$world/config" XDG_CACHE_HOME="$world/cache" \
+        XDG_RUNTIME_DIR="$world/run" XDG_DATA_DIRS="$world_data_dirs" \
+        FONTCONFIG_FILE="$world/fonts.conf" DBUS_SESSION_BUS_ADDRESS="$bus_address" "$@"
+}
