@@ -89,4 +89,21 @@ inline constexpr const char* kVellumineMissingTextKey = VLM_KEY(VellumineMissing
 inline constexpr const char* kVellumineReplacedTextKey = VLM_KEY(VellumineReplacedText);
 inline constexpr const char* kActiveButtonCaptionKey = VLM_KEY(ActiveButtonCaption);
 inline constexpr const char* kActiveAllButtonCaptionKey = VLM_KEY(ActiveAllButtonCaption);
+// Menu entries.
+inline constexpr const char* kAboutMenuKey = VLM_KEY(AboutMenu);
+inline constexpr const char* kFontsMenuKey = VLM_KEY(FontsMenu);
+// Texts of the dialog descriptions (resources/*.ui), listed here so that every key is known.
+inline constexpr const char* kFontsDialogTitleKey = VLM_KEY(FontsDialogTitle);
+inline constexpr const char* kFontTreeCaptionKey = VLM_KEY(FontTreeCaption);
+inline constexpr const char* kFontListHintKey = VLM_KEY(FontListHint);
+inline constexpr const char* kInfoButtonCaptionKey = VLM_KEY(InfoButtonCaption);
+inline constexpr const char* kBuyButtonCaptionKey = VLM_KEY(BuyButtonCaption);
+inline constexpr const char* kReplaceButtonCaptionKey = VLM_KEY(ReplaceButtonCaption);
+inline constexpr const char* kOKButtonCaptionKey = VLM_KEY(OKButtonCaption);
+inline constexpr const char* kCancelButtonCaptionKey = VLM_KEY(CancelButtonCaption);
+inline constexpr const char* kWaitingDialogTitleKey = VLM_KEY(WaitingDialogTitle);
+inline constexpr const char* kWaitingTextKey = VLM_KEY(WaitingText);
+inline constexpr const char* kWaitingHintKey = VLM_KEY(WaitingHint);
+inline constexpr const char* kReplacerDialogTitleKey = VLM_KEY(ReplacerDialogTitle);
+inline constexpr const char* kReplacerHintKey = VLM_KEY(ReplacerHint);
 #undef VLM_KEY

@@ -12,9 +12,10 @@
 //
 // Lifetime of nodes: the model owns every node of the tree it built and frees the whole
 // tree when it builds the next one or is destroyed. That is safe because a tree is only
-// replaced after the tree view dropped its rows and the identities they kept
-// (ITreeViewMgr::ClearTree, which the dialog calls before every Rebuild and on close), and
-// the tree widget destroys its rows before its add-ins. So no identity can point into a
+// replaced after the tree view dropped its rows, its selection and the identities they
+// kept (ITreeViewMgr::ClearTree, which the dialog calls before every Rebuild), the tree
+// widget destroys its rows before its add-ins, and the dialog reads the identities of a
+// selection only within one call, never after a nested wait. So no identity can reach a
 // discarded tree, and nothing of it leaks.
 class TreeViewDataModel : public ITreeViewDataModel {
 public:

@@ -95,11 +95,17 @@ void VellumineDialogController::selectionSync() {
 
 void VellumineDialogController::ApplyDialogFields(IActiveContext* context, const WidgetID& widget) {
     CDialogController::ApplyDialogFields(context, widget);
-    const Tree tree = findTree();
-    NodeIDList selected;
-    if (tree.selection)
-        tree.selection->GetSelectedItems(selected);
-    const VLMFontList records = FontTreeSelection::selectedRecords(selected);
+    bool nothingSelected = true;
+    VLMFontList records;
+    {
+        // The identities stay in here: the replacement dialog's wait may see the tree rebuilt.
+        const Tree tree = findTree();
+        NodeIDList selected;
+        if (tree.selection)
+            tree.selection->GetSelectedItems(selected);
+        nothingSelected = selected.empty();
+        records = FontTreeSelection::selectedRecords(selected);
+    }
     VLM::IDFontSuite* suite = VLM::IDFontSuite::getFontSuite(false);
     switch (widget) {
     case kBuyButtonWidgetID:
@@ -115,7 +121,7 @@ void VellumineDialogController::ApplyDialogFields(IActiveContext* context, const
         replaceSelected(records);
         break;
     case kActivateButtonWidgetID:
-        activate(records, selected.empty());
+        activate(records, nothingSelected);
         break;
     default:
         break;
