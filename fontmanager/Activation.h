@@ -46,6 +46,9 @@ public:
     // folder entry may have.
     static std::string linkName(std::int64_t id, const std::filesystem::path& file);
 
+    // Where active faces are linked: fontconfig lists these faces as vellumine's own.
+    const std::filesystem::path& linkFolder() const { return folder; }
+
 private:
     ActivationResult link(std::int64_t faceId, const ActivationOrigin& origin);
     bool shareCollectionLink(const FaceRecord& face, const std::string& autoFor);

@@ -7,10 +7,11 @@
 
 namespace Vellumine {
 
-std::vector<std::int64_t> automaticActivationCandidates(Catalog& catalog, const Request& request) {
+std::vector<std::int64_t> automaticActivationCandidates(Catalog& catalog, const Request& request,
+                                                        const SystemFonts* system) {
     std::vector<std::int64_t> ids;
     SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
-    FontMatcher matcher(catalog);
+    FontMatcher matcher(catalog, system);
     for (const auto& font : request.fonts) {
         const FontMatch& match = matcher.match(font);
         if (!match.isActive() && match.typeMatching.size() == 1) {
@@ -24,8 +25,9 @@ std::vector<std::int64_t> automaticActivationCandidates(Catalog& catalog, const 
 }
 
 int activateAutomatically(Catalog& catalog, Activation& activation, LibraryChanges& changes,
-                          const Request& request, const std::string& application) {
-    auto ids = automaticActivationCandidates(catalog, request);
+                          const Request& request, const std::string& application,
+                          const SystemFonts* system) {
+    auto ids = automaticActivationCandidates(catalog, request, system);
     if (ids.size() > maximumAutomaticActivations) {
         Logger::log("vellumine-auto", "activating only " +
                                           std::to_string(maximumAutomaticActivations) + " of " +

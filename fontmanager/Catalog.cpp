@@ -404,24 +404,36 @@ std::vector<LibraryChange> Catalog::changesAfter(std::int64_t id) {
     return result;
 }
 
-namespace {
-const std::string autoActivationSetting = "auto-activate";
-}
-
-bool Catalog::autoActivation() {
+bool Catalog::setting(const std::string& name) {
     SqliteStatement& statement =
-        db.prepare("SELECT value FROM settings WHERE name = ?").bind(1, autoActivationSetting);
+        db.prepare("SELECT value FROM settings WHERE name = ?").bind(1, name);
     const std::string value = statement.step() ? statement.text(0) : "on";
     statement.reset();
     return value != "off";
 }
 
-void Catalog::setAutoActivation(bool on) {
+void Catalog::setSetting(const std::string& name, bool on) {
     db.prepare("INSERT INTO settings (name, value) VALUES (?, ?) "
                "ON CONFLICT (name) DO UPDATE SET value = excluded.value")
-        .bind(1, autoActivationSetting)
+        .bind(1, name)
         .bind(2, std::string(on ? "on" : "off"))
         .run();
+}
+
+bool Catalog::autoActivation() {
+    return setting("auto-activate");
+}
+
+void Catalog::setAutoActivation(bool on) {
+    setSetting("auto-activate", on);
+}
+
+bool Catalog::systemFonts() {
+    return setting("system-fonts");
+}
+
+void Catalog::setSystemFonts(bool on) {
+    setSetting("system-fonts", on);
 }
 
 } // namespace Vellumine

@@ -24,6 +24,9 @@ struct FaceRecord {
     FaceType type = FaceType::trueType;
     std::filesystem::path metricsFile; // Type 1 metrics beside the outlines, or empty
     bool active = false;
+    // A face fontconfig lists outside vellumine's activation folder: active, with no
+    // container (id 0), since vellumine can neither activate nor deactivate it.
+    bool onSystem = false;
 };
 
 // A link that activation made, with what it pointed to when it was made.
@@ -134,8 +137,13 @@ public:
     // User settings, kept in the catalog so that the server and the command line share them.
     bool autoActivation();
     void setAutoActivation(bool on);
+    // Whether font requests count the fonts fontconfig lists besides vellumine's own.
+    bool systemFonts();
+    void setSystemFonts(bool on);
 
 private:
+    bool setting(const std::string& name);
+    void setSetting(const std::string& name, bool on);
     void retrying(const std::function<void()>& work);
     void migrate();
     std::vector<FaceRecord> faces(SqliteStatement& statement);

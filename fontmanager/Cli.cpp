@@ -13,6 +13,8 @@
 #include "fontmanager/Server.h"
 #include "platform/linux/DBusAppEvents.h"
 
+#include <algorithm>
+#include <array>
 #include <ctime>
 #include <functional>
 #include <map>
@@ -262,6 +264,7 @@ int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& e
         << "activation folder: " << paths.activationFolder().string() << "\n"
         << "faces: " << catalog.faceCount() << " (" << catalog.activeFaceCount() << " active)\n"
         << "auto-activation: " << (catalog.autoActivation() ? "on" : "off") << "\n"
+        << "system fonts: " << (catalog.systemFonts() ? "on" : "off") << "\n"
         << "server: " << serverState() << "\n";
     printAutomaticActivations(catalog, out);
     out << "applications told of changes:";
@@ -304,21 +307,38 @@ int checkCommand(const Arguments& arguments, std::ostream& out, std::ostream& er
     return report.problems.size() == report.repairs.size() ? 0 : 1;
 }
 
+// The settings `config` shows and changes, each on by default.
+struct Setting {
+    const char* name;
+    bool (Catalog::*get)();
+    void (Catalog::*set)(bool);
+};
+
+const std::array<Setting, 2> settings = {{
+    {"auto-activate", &Catalog::autoActivation, &Catalog::setAutoActivation},
+    {"system-fonts", &Catalog::systemFonts, &Catalog::setSystemFonts},
+}};
+
 int configCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
     const auto paths = LibraryPaths::fromEnvironment();
     if (arguments.empty()) {
         const auto catalog = Catalog::openForReading(paths.catalogFile());
-        out << "auto-activate " << (catalog->autoActivation() ? "on" : "off") << "\n";
+        for (const auto& setting : settings) {
+            out << setting.name << " " << (((*catalog).*setting.get)() ? "on" : "off") << "\n";
+        }
         return 0;
     }
-    if (arguments.size() != 2 || arguments[0] != "auto-activate" ||
+    const auto setting = std::find_if(settings.begin(), settings.end(), [&](const auto& known) {
+        return arguments[0] == known.name;
+    });
+    if (arguments.size() != 2 || setting == settings.end() ||
         (arguments[1] != "on" && arguments[1] != "off")) {
-        errors << "vellumine config: usage: config [auto-activate on|off]\n";
+        errors << "vellumine config: usage: config [auto-activate|system-fonts on|off]\n";
         return usageError;
     }
     const auto catalog = openForWriting(paths, errors);
-    catalog->write([&] { catalog->setAutoActivation(arguments[1] == "on"); });
-    out << "auto-activate " << arguments[1] << "\n";
+    catalog->write([&] { ((*catalog).*setting->set)(arguments[1] == "on"); });
+    out << setting->name << " " << arguments[1] << "\n";
     return 0;
 }
 
@@ -386,10 +406,13 @@ const std::map<std::string, Command>& commands() {
           "Exit status 1 while a problem remains.",
           checkCommand}},
         {"config",
-         {"config [auto-activate on|off]",
-          "Shows or changes the settings kept in the catalog. auto-activate (on by default):\n"
-          "a font request activates each requested font that is not active and of which the\n"
-          "library holds exactly one face of the requested type.",
+         {"config [auto-activate|system-fonts on|off]",
+          "Shows or changes the settings kept in the catalog, both on by default.\n"
+          "auto-activate: a font request activates each requested font that is not active and\n"
+          "of which the library holds exactly one face of the requested type.\n"
+          "system-fonts: a font request counts a font fontconfig already lists outside\n"
+          "vellumine's activation folder as present and active (no container identifier),\n"
+          "and never activates the library's copy of it.",
           configCommand}},
         {"install-launcher",
          {"install-launcher [--data-home DIR]",

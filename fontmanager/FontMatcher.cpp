@@ -33,6 +33,24 @@ bool styleMatches(const std::string& wanted, const std::string& style) {
     return wanted.empty() ? isRegularStyle(style) : equalIgnoringCase(wanted, style);
 }
 
+// fontconfig lists a face's names in pairs, one family and style for each way the font
+// names itself ("DejaVu Sans" "Condensed Bold", "DejaVu Sans Condensed" "Bold"), so a family
+// goes with its own style; a face whose lists differ in length is taken at any pairing.
+bool namedAs(const SystemFace& face, const std::string& family, const std::string& style) {
+    const bool paired = face.families.size() == face.styles.size();
+    for (std::size_t i = 0; i < face.families.size(); ++i) {
+        if (!equalIgnoringCase(face.families[i], family)) {
+            continue;
+        }
+        if (paired ? styleMatches(style, face.styles[i])
+                   : std::any_of(face.styles.begin(), face.styles.end(),
+                                 [&](const auto& named) { return styleMatches(style, named); })) {
+            return true;
+        }
+    }
+    return false;
+}
+
 const FaceRecord* firstActive(const std::vector<const FaceRecord*>& faces) {
     const auto active =
         std::find_if(faces.begin(), faces.end(), [](const FaceRecord* face) { return face->active; });
@@ -99,15 +117,35 @@ const std::vector<FaceRecord>& FontMatcher::byFamily(const std::string& family) 
     return found->second;
 }
 
+void FontMatcher::addSystemFaces(const RequestFont& font, FontMatch& match) const {
+    if (system == nullptr || match.isTypeMatchingActive()) {
+        return;
+    }
+    const bool byName = !font.psName.empty();
+    const auto candidates =
+        byName ? system->byPostScriptName(font.psName) : system->byFamily(font.familyName);
+    for (const SystemFace* face : candidates) {
+        if (!byName && !namedAs(*face, font.familyName, font.styleName)) {
+            continue;
+        }
+        match.faces.push_back(&face->record);
+        if (!match.requestedType || face->record.type == *match.requestedType) {
+            match.typeMatching.push_back(&face->record);
+        }
+    }
+}
+
 const FontMatch& FontMatcher::match(const RequestFont& font) {
     // The key names what the faces were found by, so that fonts differing only in what
     // was not used share one match.
     const bool byName = !font.psName.empty() &&
                         (!byPostScriptName(font.psName).empty() || font.familyName.empty());
+    // The system's fonts are looked up by the requested PostScript name whenever there is one.
     const std::string key =
-        byName ? "name\n" + font.psName + "\n" + font.type
-               : "family\n" + lowercase(font.familyName) + "\n" + lowercase(font.styleName) +
-                     "\n" + font.type;
+        (byName ? "name\n" + font.psName + "\n" + font.type
+                : "family\n" + lowercase(font.familyName) + "\n" + lowercase(font.styleName) +
+                      "\n" + font.type) +
+        (system != nullptr && !byName ? "\n" + font.psName : "");
     auto found = matches.find(key);
     if (found != matches.end()) {
         return found->second;
@@ -116,7 +154,9 @@ const FontMatch& FontMatcher::match(const RequestFont& font) {
     const auto& candidates = byName                      ? byPostScriptName(font.psName)
                              : font.familyName.empty() ? none
                                                        : byFamily(font.familyName);
-    return matches.emplace(key, makeMatch(font, candidates, !byName)).first->second;
+    FontMatch match = makeMatch(font, candidates, !byName);
+    addSystemFaces(font, match);
+    return matches.emplace(key, std::move(match)).first->second;
 }
 
 } // namespace Vellumine

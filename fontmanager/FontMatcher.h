@@ -2,6 +2,7 @@
 
 #include "fontmanager/Catalog.h"
 #include "fontmanager/Request.h"
+#include "fontmanager/SystemFonts.h"
 
 #include <map>
 #include <optional>
@@ -10,8 +11,9 @@
 
 namespace Vellumine {
 
-// The library's answer to one requested font. The faces belong to the FontMatcher that
-// made the match and live as long as it does.
+// The answer to one requested font: the library's faces, and the system's when the library
+// has none of the requested type active. The faces belong to the FontMatcher that made the
+// match (or to its SystemFonts) and live as long as it does.
 struct FontMatch {
     std::optional<FaceType> requestedType;      // none for "all", empty or unknown types
     std::vector<const FaceRecord*> faces;        // every matching face, by container id
@@ -29,12 +31,17 @@ struct FontMatch {
 // case) and style. An empty style stands for the family's regular face, whichever of
 // "Regular", "Roman", "Normal", "Book", "Plain" or "Standard" it is called.
 //
+// With the system's fonts, a font the library has no active face of (of the requested type)
+// also matches the faces fontconfig lists by that PostScript name, or, when the request
+// names none, by family and style: the system's copy is active already.
+//
 // One matcher serves one request: it asks the catalog once per name and family and
 // remembers each match, so that a request naming one large family many times costs one
 // query and one match, not one per font. Use it inside one read transaction.
 class FontMatcher {
 public:
-    explicit FontMatcher(Catalog& catalog) : catalog(catalog) {}
+    explicit FontMatcher(Catalog& catalog, const SystemFonts* system = nullptr)
+        : catalog(catalog), system(system) {}
     FontMatcher(const FontMatcher&) = delete;
     FontMatcher& operator=(const FontMatcher&) = delete;
 
@@ -44,7 +51,10 @@ private:
     const std::vector<FaceRecord>& byPostScriptName(const std::string& name);
     const std::vector<FaceRecord>& byFamily(const std::string& family);
 
+    void addSystemFaces(const RequestFont& font, FontMatch& match) const;
+
     Catalog& catalog;
+    const SystemFonts* system;
     std::map<std::string, std::vector<FaceRecord>> names;
     std::map<std::string, std::vector<FaceRecord>> families;
     std::map<std::string, FontMatch> matches;

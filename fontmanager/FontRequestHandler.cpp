@@ -23,6 +23,10 @@ std::string replyType(const FontMatch& match, const FaceRecord* best) {
     return best != nullptr ? wireText(best->type) : "all";
 }
 
+std::string containerText(const FaceRecord* face) {
+    return face != nullptr && !face->onSystem ? std::to_string(face->id) : "";
+}
+
 void writeFont(ReplyWriter& reply, const RequestFont& font, const FontMatch& match,
                std::size_t facesListed) {
     const FaceRecord* best = match.bestFace();
@@ -37,10 +41,10 @@ void writeFont(ReplyWriter& reply, const RequestFont& font, const FontMatch& mat
         .element("isActive", match.isActive())
         .element("typeMatchingCount", std::to_string(match.typeMatching.size()))
         .element("isTypeMatchingActive", match.isTypeMatchingActive())
-        .element("typeMatchingContainerID", bestTyped ? std::to_string(bestTyped->id) : "")
-        .element("containerID", best ? std::to_string(best->id) : "");
+        .element("typeMatchingContainerID", containerText(bestTyped))
+        .element("containerID", containerText(best));
     for (std::size_t i = 0; i < match.faces.size() && i < facesListed; ++i) {
-        reply.fontInfo(std::to_string(match.faces[i]->id), describeFace(*match.faces[i]));
+        reply.fontInfo(containerText(match.faces[i]), describeFace(*match.faces[i]));
     }
     reply.closeFont();
 }
@@ -75,18 +79,37 @@ bool asksForChoice(const FontMatch& match) {
 }
 
 std::string describeFace(const FaceRecord& face) {
+    const std::string state = face.onSystem ? "installed on the system"
+                              : face.active ? "active"
+                                            : "inactive";
+    // A system face's file is named in full: it is not in vellumine's library to look up.
+    const std::string file = face.onSystem ? face.file.string() : face.file.filename().string();
     return face.postScriptName + ", " + face.family + " " + face.style + ", " +
-           technologyName(face.type) + ", " + (face.active ? "active" : "inactive") + ", " +
-           face.file.filename().string();
+           technologyName(face.type) + ", " + state + ", " + file;
+}
+
+std::optional<SystemFonts> loadSystemFonts(Catalog& catalog, const Activation& activation) {
+    if (!catalog.systemFonts()) {
+        return std::nullopt;
+    }
+    try {
+        return SystemFonts::fromFontconfig(activation.linkFolder());
+    } catch (const std::exception& error) {
+        // Answering from the library alone is still an answer.
+        Logger::log("vellumine-request", std::string("system fonts unknown: ") + error.what());
+        return std::nullopt;
+    }
 }
 
 std::string answerFontRequest(FontRequestContext& context, const Request& request,
                               const std::string& application, const std::string& protocolVersion) {
     Catalog& catalog = context.catalog;
+    const auto systemFonts = loadSystemFonts(catalog, context.activation);
+    const SystemFonts* system = systemFonts ? &*systemFonts : nullptr;
     if (catalog.autoActivation()) {
         try {
             activateAutomatically(catalog, context.activation, context.changes, request,
-                                  application);
+                                  application, system);
         } catch (const std::exception& error) {
             // The application still gets its answer, with the fonts as they are.
             Logger::log("vellumine-auto", std::string("auto-activation failed: ") + error.what());
@@ -94,7 +117,7 @@ std::string answerFontRequest(FontRequestContext& context, const Request& reques
     }
     const ReplyLimits& limits = context.limits;
     SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
-    FontMatcher matcher(catalog);
+    FontMatcher matcher(catalog, system);
     auto reply = writeReply(matcher, request, protocolVersion, limits.maximumFacesListed,
                             limits.maximumBytes);
     if (!reply) {

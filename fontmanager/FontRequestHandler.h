@@ -7,6 +7,7 @@
 #include "fontmanager/Request.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace Vellumine {
@@ -28,7 +29,8 @@ struct FontRequestContext {
     ReplyLimits limits;
 };
 
-// Answers a "fontRequest": first activates what it may on its own (see AutoActivation.h)
+// Answers a "fontRequest" from the library and, unless the catalog's system-fonts setting is
+// off, the fonts fontconfig lists outside the activation folder (see SystemFonts.h): first activates what it may on its own (see AutoActivation.h)
 // for `application`, then one <font> per requested font with the counts, activity flags and
 // container identifiers of the matching faces, and one <fontInfo> per matching face (at
 // most maximumFacesListed). When that reply would pass maximumBytes, the <fontInfo> entries
@@ -42,7 +44,11 @@ std::string answerFontRequest(FontRequestContext& context, const Request& reques
 bool asksForChoice(const FontMatch& match);
 
 // "NimbusRoman-Regular, Nimbus Roman Regular, OpenType PostScript, inactive,
-// NimbusRoman-Regular.otf"
+// NimbusRoman-Regular.otf"; a system face is "installed on the system" with its full path.
 std::string describeFace(const FaceRecord& face);
+
+// The system's fonts for one request, or nothing when the setting is off or fontconfig
+// fails (logged).
+std::optional<SystemFonts> loadSystemFonts(Catalog& catalog, const Activation& activation);
 
 } // namespace Vellumine

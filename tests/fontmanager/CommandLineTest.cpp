@@ -47,6 +47,7 @@ protected:
                     psName + "</psName>\n</font>\n</cmd>\n");
     }
 
+    PrivateFontconfig noSystemFonts;
     ScratchFolder scratch;
 };
 
@@ -78,11 +79,12 @@ TEST_F(CommandLineTest, AutomaticActivationsAreListedDeactivatedTogetherAndCanBe
     for (const auto& [arguments, expected] :
          std::vector<std::pair<std::vector<std::string>, int>>{
              {{"config", "auto-activate", "off"}, 0},
+             {{"config", "system-fonts", "off"}, 0},
              {{"config", "auto-activate", "maybe"}, 2},
              {{"config", "colour", "on"}, 2}}) {
         EXPECT_EQ(run(arguments).status, expected) << arguments[1] << " " << arguments[2];
     }
-    EXPECT_EQ(run({"config"}).out, "auto-activate off\n");
+    EXPECT_EQ(run({"config"}).out, "auto-activate off\nsystem-fonts off\n");
     answerFontRequest("DejaVuSerif");
     EXPECT_EQ(run({"list", "--active"}).out.find("DejaVuSerif"), std::string::npos);
 }

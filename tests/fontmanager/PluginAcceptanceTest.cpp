@@ -34,6 +34,7 @@ protected:
     }
 
     VLMTest::FakePlatform platform;
+    PrivateFontconfig noSystemFonts;
     ScratchFolder scratch;
     Catalog catalog{scratch.path() / "library.db"};
     Activation activation{catalog, scratch.path() / "fonts" / "vellumine"};
@@ -69,6 +70,25 @@ TEST_F(PluginAcceptance, FontRequestRepliesMergeIntoTheRecords) {
 
     EXPECT_EQ(request.fonts[2]->font.count, 0u);
     EXPECT_EQ(request.fonts[2]->font.type, 4);
+}
+
+// A font only the system has: active, of the requested type, with no container anywhere.
+TEST_F(PluginAcceptance, AFontTheSystemHasMergesAsActiveWithoutContainer) {
+    const PrivateFontconfig system({dejaVuFolder});
+    VLM::VLMFontRequestEvent request;
+    request.fonts = {makeFont("1", "DejaVuSansMono", 1)};
+    request.build();
+    ASSERT_NE(request.send(), nullptr) << request.getResult();
+    const Protocol::Font& font = request.fonts[0]->font;
+    EXPECT_EQ(font.count, 1u);
+    EXPECT_EQ(font.typeMatchingCount, 1u);
+    EXPECT_TRUE(font.isActive);
+    EXPECT_TRUE(font.isTypeMatchingActive);
+    EXPECT_TRUE(request.fonts[0]->hasTypeMatching);
+    EXPECT_EQ(font.containerID + font.typeMatchingContainerID, "");
+    ASSERT_EQ(font.fontInfo.size(), 1u);
+    EXPECT_EQ(font.fontInfo[0].first, "");
+    EXPECT_FALSE(request.showWindow);
 }
 
 TEST_F(PluginAcceptance, HostileValuesComeBackAsTheyWereSent) {

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 
@@ -71,6 +72,7 @@ protected:
         dejaVuId = catalog.facesByPostScriptName("DejaVuSans").at(0).id;
     }
 
+    PrivateFontconfig noSystemFonts; // the machine's fonts stay out of every reply
     ScratchFolder scratch;
     Catalog catalog{scratch.path() / "library.db"};
     Activation activation{catalog, scratch.path() / "fonts" / "vellumine"};
@@ -166,6 +168,44 @@ TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
     catalog.setAutoActivation(false);
     dispatcher.answer(fontRequest({"<psName>DejaVuSans</psName>\n"}));
     EXPECT_EQ(catalog.activeFaceCount(), 0);
+}
+
+// What fontconfig lists (here DejaVu and the URW Type 1 faces) is present and active,
+// without a container, and vellumine never activates its own copy of it.
+TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
+    const PrivateFontconfig system({dejaVuFolder, urwType1Folder});
+    struct Case {
+        std::string font;
+        std::vector<std::string> expected;
+    };
+    const std::vector<Case> cases = {
+        {"<psName>DejaVuSans</psName>\n", // in the library too
+         {"count=2", "typeMatchingCount=2", "isActive=true", "isTypeMatchingActive=true",
+          "containerID=", "typeMatchingContainerID=", "type=TT"}},
+        {"<familyName>dejavu serif</familyName>\n<styleName>BOLD</styleName>\n<type>OT_T1</type>\n",
+         {"psName=DejaVuSerif-Bold", "count=1", "typeMatchingCount=0", "isActive=true",
+          "isTypeMatchingActive=false"}},
+        {"<psName>NimbusRoman-Regular</psName>\n<type>T1</type>\n",
+         {"count=3", "typeMatchingCount=2", "isTypeMatchingActive=true", "containerID=",
+          "showWindow=0"}},
+        {"<psName>Nowhere-Bold</psName>\n", {"count=0", "isActive=false"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.font);
+        expectElements(replyBlocks(dispatcher.answer(fontRequest({c.font})))[1], c.expected);
+    }
+    EXPECT_EQ(catalog.activeFaceCount(), 0);
+    EXPECT_EQ(posts, 0);
+    const auto dejaVu = replyBlocks(dispatcher.answer(fontRequest({cases[0].font})))[1];
+    const auto [first, last] = dejaVu.equal_range("description");
+    EXPECT_TRUE(std::any_of(first, last, [](const auto& description) {
+        return description.second.ends_with("installed on the system, " + dejaVuSans.string());
+    }));
+
+    catalog.setSystemFonts(false); // the library alone, as before
+    expectElements(replyBlocks(dispatcher.answer(fontRequest({cases[0].font})))[1],
+                   {"count=1", "isActive=true", "containerID=" + std::to_string(dejaVuId)});
+    expectElements(replyBlocks(dispatcher.answer(fontRequest({cases[1].font})))[1], {"count=0"});
 }
 
 TEST_F(RequestHandlingTest, RepliesStayWithinTheirSizeLimit) {

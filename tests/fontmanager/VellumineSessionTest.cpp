@@ -79,16 +79,11 @@ protected:
         });
     }
 
-    // The faces fontconfig lists with this PostScript name, on a configuration that scans
-    // only the session's font folder.
+    // The faces fontconfig lists with this PostScript name, on the session's configuration.
     int fontconfigFaces(const std::string& postScriptName) {
-        const std::string configFile = session.root() + "/fonts.conf";
-        std::ofstream(configFile) << "<?xml version=\"1.0\"?>\n<fontconfig>\n<dir>"
-                                  << session.dataHome() << "/fonts</dir>\n<cachedir>"
-                                  << session.root()
-                                  << "/fontconfig-cache</cachedir>\n</fontconfig>\n";
         FcConfig* config = FcConfigCreate();
-        FcConfigParseAndLoad(config, reinterpret_cast<const FcChar8*>(configFile.c_str()), FcTrue);
+        FcConfigParseAndLoad(config, reinterpret_cast<const FcChar8*>(fontconfig.file().c_str()),
+                             FcTrue);
         FcConfigBuildFonts(config);
         FcPattern* pattern = FcPatternCreate();
         FcPatternAddString(pattern, FC_POSTSCRIPT_NAME,
@@ -117,6 +112,9 @@ protected:
     }
 
     VlmTest::PrivateSession session;
+    // Scans only the session's font folder, vellumine's own activation folder included, for
+    // vellumine (started from here) as for fontconfigFaces(): no system fonts.
+    PrivateFontconfig fontconfig{{session.dataHome() + "/fonts"}};
     LibraryPaths paths;
     std::unique_ptr<Platform::Linux::DefaultServices> host;
     std::vector<std::string> hostEvents;

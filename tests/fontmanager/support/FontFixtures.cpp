@@ -29,6 +29,24 @@ std::filesystem::path ScratchFolder::write(const std::string& name,
     return file;
 }
 
+PrivateFontconfig::PrivateFontconfig(const std::vector<std::filesystem::path>& folders) {
+    std::string config = "<?xml version=\"1.0\"?>\n<fontconfig>\n";
+    for (const auto& folder : folders) {
+        config += "<dir>" + folder.string() + "</dir>\n";
+    }
+    config += "<cachedir>" + (scratch.path() / "cache").string() + "</cachedir>\n</fontconfig>\n";
+    scratch.write("fonts.conf", config);
+    if (const char* old = std::getenv("FONTCONFIG_FILE")) {
+        hadPrevious = true;
+        previous = old;
+    }
+    setenv("FONTCONFIG_FILE", file().c_str(), 1);
+}
+
+PrivateFontconfig::~PrivateFontconfig() {
+    hadPrevious ? setenv("FONTCONFIG_FILE", previous.c_str(), 1) : unsetenv("FONTCONFIG_FILE");
+}
+
 std::string readFile(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     std::ostringstream bytes;

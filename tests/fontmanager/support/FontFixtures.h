@@ -32,6 +32,24 @@ private:
     std::filesystem::path root;
 };
 
+// Points FONTCONFIG_FILE, for this process and those it starts, at a configuration that
+// scans only `folders`, so that vellumine sees these as the system's fonts and nothing of
+// the machine's; the previous value comes back on destruction.
+class PrivateFontconfig {
+public:
+    explicit PrivateFontconfig(const std::vector<std::filesystem::path>& folders = {});
+    ~PrivateFontconfig();
+    PrivateFontconfig(const PrivateFontconfig&) = delete;
+    PrivateFontconfig& operator=(const PrivateFontconfig&) = delete;
+
+    std::filesystem::path file() const { return scratch.path() / "fonts.conf"; }
+
+private:
+    ScratchFolder scratch;
+    bool hadPrevious = false;
+    std::string previous;
+};
+
 std::string readFile(const std::filesystem::path& file);
 
 // A TrueType collection made of whole sfnt files, with the table offsets moved to where

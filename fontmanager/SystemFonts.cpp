@@ -1,0 +1,181 @@
+#include "fontmanager/SystemFonts.h"
+
+#include <fontconfig/fontconfig.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+
+namespace Vellumine {
+
+namespace {
+
+std::string lowercase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+std::vector<std::string> strings(FcPattern* pattern, const char* object) {
+    std::vector<std::string> values;
+    FcChar8* value = nullptr;
+    for (int n = 0; FcPatternGetString(pattern, object, n, &value) == FcResultMatch; ++n) {
+        values.emplace_back(reinterpret_cast<const char*>(value));
+    }
+    return values;
+}
+
+std::string firstString(FcPattern* pattern, const char* object) {
+    FcChar8* value = nullptr;
+    return FcPatternGetString(pattern, object, 0, &value) == FcResultMatch
+               ? reinterpret_cast<const char*>(value)
+               : "";
+}
+
+// Whether the file starts like an sfnt (or a collection of them) rather than bare CFF.
+bool startsAsSfnt(const std::filesystem::path& file) {
+    std::array<char, 4> tag{};
+    std::ifstream in(file, std::ios::binary);
+    if (!in.read(tag.data(), tag.size())) {
+        return false;
+    }
+    const std::string text(tag.data(), tag.size());
+    return text == std::string("\0\1\0\0", 4) || text == "OTTO" || text == "true" ||
+           text == "ttcf";
+}
+
+// The type vellumine would give the face when added to its library (see FaceReader), from
+// what fontconfig learnt of it: FreeType's font format, whether it has outlines, the file
+// name. Nothing for faces vellumine does not offer (bitmap fonts, bare CFF).
+std::optional<FaceType> classify(const std::string& format, bool outline,
+                                 const std::filesystem::path& file) {
+    if (format == "Type 1" || format == "CID Type 1") {
+        return FaceType::type1;
+    }
+    std::string extension = lowercase(file.extension().string());
+    if (!outline) {
+        return std::nullopt;
+    }
+    if (format == "CFF") {
+        // FreeType calls sfnts with CFF outlines and bare CFF alike "CFF"; only files not
+        // named like an sfnt are worth reading to tell them apart.
+        const bool sfntName = extension == ".otf" || extension == ".otc" ||
+                              extension == ".ttf" || extension == ".ttc";
+        return sfntName || startsAsSfnt(file) ? std::optional(FaceType::openTypePostScript)
+                                              : std::nullopt;
+    }
+    if (format == "TrueType") {
+        return extension == ".otf" ? FaceType::openTypeTrueType : FaceType::trueType;
+    }
+    return std::nullopt;
+}
+
+// fontconfig names files as its configuration names folders; the activation folder may be
+// reached through a link, so both spellings count.
+class FolderTest {
+public:
+    explicit FolderTest(const std::filesystem::path& folder) {
+        std::error_code ignored;
+        spellings = {folder.lexically_normal(), std::filesystem::weakly_canonical(folder, ignored)};
+    }
+
+    bool holds(const std::filesystem::path& file) const {
+        const auto parent = file.lexically_normal().parent_path();
+        return std::any_of(spellings.begin(), spellings.end(), [&](const auto& folder) {
+            const auto relative = parent.lexically_relative(folder);
+            return !folder.empty() && !relative.empty() && *relative.begin() != "..";
+        });
+    }
+
+private:
+    std::vector<std::filesystem::path> spellings;
+};
+
+std::optional<SystemFace> systemFace(FcPattern* pattern) {
+    SystemFace face;
+    FaceRecord& record = face.record;
+    record.file = firstString(pattern, FC_FILE);
+    record.postScriptName = firstString(pattern, FC_POSTSCRIPT_NAME);
+    face.families = strings(pattern, FC_FAMILY);
+    face.styles = strings(pattern, FC_STYLE);
+    FcBool outline = FcFalse;
+    FcPatternGetBool(pattern, FC_OUTLINE, 0, &outline);
+    const auto type = classify(firstString(pattern, FC_FONTFORMAT), outline == FcTrue, record.file);
+    if (!type || record.file.empty() || record.postScriptName.empty() || face.families.empty()) {
+        return std::nullopt;
+    }
+    int index = 0;
+    FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
+    record.faceIndex = index;
+    record.type = *type;
+    record.family = face.families.front();
+    record.style = face.styles.empty() ? "" : face.styles.front();
+    record.active = true;
+    record.onSystem = true;
+    return face;
+}
+
+struct ConfigDeleter {
+    void operator()(FcConfig* config) const { FcConfigDestroy(config); }
+};
+
+} // namespace
+
+SystemFonts SystemFonts::fromFontconfig(const std::filesystem::path& ownFolder) {
+    const std::unique_ptr<FcConfig, ConfigDeleter> config(FcInitLoadConfigAndFonts());
+    if (!config) {
+        throw std::runtime_error("fontconfig could not load its configuration");
+    }
+    SystemFonts fonts;
+    const FolderTest own(ownFolder);
+    FcFontSet* set = FcConfigGetFonts(config.get(), FcSetSystem);
+    for (int i = 0; set != nullptr && i < set->nfont; ++i) {
+        auto face = systemFace(set->fonts[i]);
+        if (face && !own.holds(face->record.file)) {
+            fonts.add(std::move(*face));
+        }
+    }
+    return fonts;
+}
+
+void SystemFonts::add(SystemFace face) {
+    const std::size_t at = faces.size();
+    names.emplace(face.record.postScriptName, at);
+    for (const auto& family : face.families) {
+        families.emplace(lowercase(family), at);
+    }
+    faces.push_back(std::move(face));
+}
+
+namespace {
+
+std::vector<const SystemFace*> found(const std::vector<SystemFace>& faces,
+                                     const std::multimap<std::string, std::size_t>& index,
+                                     const std::string& key) {
+    std::vector<const SystemFace*> result;
+    const auto [first, last] = index.equal_range(key);
+    for (auto entry = first; entry != last; ++entry) {
+        const SystemFace* face = &faces[entry->second];
+        // A face listing one family twice (in two languages, say) is still one face.
+        if (std::find(result.begin(), result.end(), face) == result.end()) {
+            result.push_back(face);
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+std::vector<const SystemFace*> SystemFonts::byPostScriptName(const std::string& name) const {
+    return found(faces, names, name);
+}
+
+std::vector<const SystemFace*> SystemFonts::byFamily(const std::string& family) const {
+    return found(faces, families, lowercase(family));
+}
+
+} // namespace Vellumine
