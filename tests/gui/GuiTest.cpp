@@ -83,14 +83,6 @@ private:
 
 class Gui : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 1;
-        static char name[] = "gui_tests";
-        static char* argv[] = {name, nullptr};
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static QApplication application(argc, argv);
-    }
-
     void SetUp() override {
         // Every font of the sample but TeX Gyre Heros Bold is installed; the font manager
         // reports the installed ones active and holds the missing one.

@@ -42,11 +42,14 @@ struct RecordingPresenter : Galley::Presenter {
     }
 };
 
-// A runtime with the test plug-in loaded, on a fresh loop and session.
-class RuntimeFixture : public ::testing::Test {
+// A runtime with the test plug-in loaded, on a fresh loop (sd-event's or Qt's) and session.
+template <typename Loop>
+class RuntimeFixtureOn : public ::testing::Test {
 protected:
-    explicit RuntimeFixture(Galley::Runtime::Options options = {}) {
+    explicit RuntimeFixtureOn(Galley::Runtime::Options options = {}) { start(options); }
+    void start(Galley::Runtime::Options options) {
         options.watchFontFolders = false;
+        runtime.reset();
         runtime = std::make_unique<Galley::Runtime>(loop, session, presenter, options);
     }
     void SetUp() override {
@@ -72,12 +75,14 @@ protected:
         return static_cast<Galley::Dialog*>(dialog);
     }
 
-    Galley::SdEventLoop loop;
+    Loop loop;
     NoFaces faces;
     Galley::GalleySession session{faces};
     RecordingPresenter presenter;
     std::unique_ptr<Galley::Runtime> runtime;
     TestPluginProbe* probe = nullptr;
 };
+
+using RuntimeFixture = RuntimeFixtureOn<Galley::SdEventLoop>;
 
 } // namespace RuntimeTest

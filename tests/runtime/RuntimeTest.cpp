@@ -1,4 +1,4 @@
-#include "RuntimeFixture.h"
+#include "LoopScenarios.h"
 
 #include "host/runtime/PluginLoader.h"
 #include "platform/Platform.h"
@@ -100,45 +100,6 @@ TEST_F(Runtime, MenuActionsAreFoundByNameOrIDWithTheirTitles) {
                          "action " + std::to_string(kTestActionProbe)), 2);
 }
 
-TEST_F(Runtime, IdleTaskRunsAgainAfterTheDelayItAnswers) {
-    probe->idleDelays = {20, 60, kEndOfTime};
-    const auto start = std::chrono::steady_clock::now();
-    std::vector<std::chrono::steady_clock::duration> runs;
-    runtime->invokeAction("probe");
-    for (int run = 0; run < 3; ++run) {
-        ASSERT_TRUE(runUntilEvent("idle " + std::to_string(run)));
-        runs.push_back(std::chrono::steady_clock::now() - start);
-    }
-    EXPECT_GE(runs[1] - runs[0], 20ms);
-    EXPECT_GE(runs[2] - runs[1], 60ms);
-    EXPECT_EQ(runtime->idleTasks().count(), 0u) << "kEndOfTime uninstalls the task";
-}
-
-TEST_F(Runtime, ModalWaitKeepsIdleTasksRunningAndEndsWhenOneClosesTheDialog) {
-    probe->idleDelays = {5, 5, 5, 5};
-    probe->idleRunsBeforeClosingDialog = 2;
-    runtime->invokeAction("probe");
-    runtime->invokeAction("modal");
-    const std::vector<std::string> tail(probe->events.end() - 4, probe->events.end());
-    EXPECT_EQ(tail, (std::vector<std::string>{"idle 1", "idle 2", "detach", "wait returned, closed"}));
-    EXPECT_TRUE(saw("attach"));
-    EXPECT_FALSE(runtime->timedOut());
-}
-
-TEST_F(Runtime, AWaitThatHoldsIdleTasksRunsThemOnlyAfterwards) {
-    runtime->invokeAction("probe");
-    bool ended = false, ranDuringWait = false;
-    const auto wakeUp = loop.addTimer([&] { ended = true; });
-    loop.armTimer(wakeUp, 50000);
-    runtime->waitUntil([&] {
-        ranDuringWait = ranDuringWait || saw("idle 0");
-        return ended;
-    }, false);
-    EXPECT_FALSE(ranDuringWait);
-    EXPECT_TRUE(saw("idle 0")) << "the task came due during the wait and runs when it ends";
-    loop.remove(wakeUp);
-}
-
 TEST_F(Runtime, DisabledObserverHearsNothingUntilEnabledAgain) {
     IObserver* observer = session.QueryObserver(kTestSessionObserverIID);
     ASSERT_NE(observer, nullptr);
@@ -169,21 +130,6 @@ TEST_F(Runtime, PressedButtonsReachTheObserverAndOKClosesTheDialog) {
     EXPECT_EQ(probe->events.back(), "detach");
 }
 
-class RuntimeWithDeadline : public RuntimeFixture {
-protected:
-    RuntimeWithDeadline() : RuntimeFixture(withDeadline()) {}
-    static Galley::Runtime::Options withDeadline() {
-        Galley::Runtime::Options options;
-        options.deadline = std::chrono::steady_clock::now() + 150ms;
-        return options;
-    }
-};
-
-TEST_F(RuntimeWithDeadline, AWaitPastTheDeadlineCancelsTheDialogInFront) {
-    runtime->invokeAction("modal");
-    EXPECT_TRUE(saw("wait returned, closed"));
-    EXPECT_TRUE(runtime->timedOut());
-    EXPECT_EQ(runtime->frontDialog(), nullptr);
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(SdEvent, LoopScenarios, ::testing::Types<Galley::SdEventLoop>);
 
 } // namespace RuntimeTest

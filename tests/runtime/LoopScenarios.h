@@ -1,0 +1,75 @@
+#pragma once
+
+// The runtime's loop scenarios, run over each event loop: sd-event's in runtime_tests and
+// Qt's in gui_tests.
+
+#include "RuntimeFixture.h"
+
+#include "sdk/IIdleTask.h"
+
+#include <chrono>
+
+namespace RuntimeTest {
+
+using namespace std::chrono_literals;
+
+template <typename Loop>
+class LoopScenarios : public RuntimeFixtureOn<Loop> {};
+TYPED_TEST_SUITE_P(LoopScenarios);
+
+TYPED_TEST_P(LoopScenarios, IdleTaskRunsAgainAfterTheDelayItAnswers) {
+    this->probe->idleDelays = {20, 60, kEndOfTime};
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<std::chrono::steady_clock::duration> runs;
+    this->runtime->invokeAction("probe");
+    for (int run = 0; run < 3; ++run) {
+        ASSERT_TRUE(this->runUntilEvent("idle " + std::to_string(run)));
+        runs.push_back(std::chrono::steady_clock::now() - start);
+    }
+    EXPECT_GE(runs[1] - runs[0], 20ms);
+    EXPECT_GE(runs[2] - runs[1], 60ms);
+    EXPECT_EQ(this->runtime->idleTasks().count(), 0u) << "kEndOfTime uninstalls the task";
+}
+
+TYPED_TEST_P(LoopScenarios, ModalWaitKeepsIdleTasksRunningAndEndsWhenOneClosesTheDialog) {
+    this->probe->idleDelays = {5, 5, 5, 5};
+    this->probe->idleRunsBeforeClosingDialog = 2;
+    this->runtime->invokeAction("probe");
+    this->runtime->invokeAction("modal");
+    const std::vector<std::string> tail(this->probe->events.end() - 4, this->probe->events.end());
+    EXPECT_EQ(tail, (std::vector<std::string>{"idle 1", "idle 2", "detach", "wait returned, closed"}));
+    EXPECT_TRUE(this->saw("attach"));
+    EXPECT_FALSE(this->runtime->timedOut());
+}
+
+TYPED_TEST_P(LoopScenarios, AWaitThatHoldsIdleTasksRunsThemOnlyAfterwards) {
+    this->runtime->invokeAction("probe");
+    bool ended = false, ranDuringWait = false;
+    const auto wakeUp = this->loop.addTimer([&] { ended = true; });
+    this->loop.armTimer(wakeUp, 50000);
+    this->runtime->waitUntil([&] {
+        ranDuringWait = ranDuringWait || this->saw("idle 0");
+        return ended;
+    }, false);
+    EXPECT_FALSE(ranDuringWait);
+    EXPECT_TRUE(this->saw("idle 0")) << "the task came due during the wait and runs when it ends";
+    this->loop.remove(wakeUp);
+}
+
+TYPED_TEST_P(LoopScenarios, AWaitPastTheDeadlineCancelsTheDialogInFront) {
+    Galley::Runtime::Options options;
+    options.deadline = std::chrono::steady_clock::now() + 150ms;
+    this->start(options);
+    this->SetUp();
+    this->runtime->invokeAction("modal");
+    EXPECT_TRUE(this->saw("wait returned, closed"));
+    EXPECT_TRUE(this->runtime->timedOut());
+    EXPECT_EQ(this->runtime->frontDialog(), nullptr);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(LoopScenarios, IdleTaskRunsAgainAfterTheDelayItAnswers,
+                            ModalWaitKeepsIdleTasksRunningAndEndsWhenOneClosesTheDialog,
+                            AWaitThatHoldsIdleTasksRunsThemOnlyAfterwards,
+                            AWaitPastTheDeadlineCancelsTheDialogInFront);
+
+} // namespace RuntimeTest
