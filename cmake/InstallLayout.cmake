@@ -77,6 +77,9 @@ function(vlm_install_layout)
         install(FILES "${packaging}/completions/galley"
             DESTINATION "${datadir}/bash-completion/completions")
     endif()
+    if(TARGET notifyutil)
+        vlm_install_man_page("${PROJECT_SOURCE_DIR}/docs/man/notifyutil.1")
+    endif()
     if(TARGET vellumine)
         vlm_install_configured_file(INPUT "${packaging}/org.vellumine.Vellumine.service.in"
             NAME org.vellumine.Vellumine.service DESTINATION "${datadir}/dbus-1/services")

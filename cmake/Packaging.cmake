@@ -7,15 +7,19 @@
 # and an installed tree look the same.
 set(_vlm_docdir "${CMAKE_INSTALL_DATADIR}/doc/${VLM_PACKAGE_NAME}")
 configure_file("${PROJECT_SOURCE_DIR}/packaging/debian/changelog.in"
-    "${PROJECT_BINARY_DIR}/debian/changelog.Debian" @ONLY)
-execute_process(COMMAND gzip -9 -n -f "${PROJECT_BINARY_DIR}/debian/changelog.Debian"
+    "${PROJECT_BINARY_DIR}/debian/changelog" @ONLY)
+execute_process(COMMAND gzip -9 -n -f "${PROJECT_BINARY_DIR}/debian/changelog"
     RESULT_VARIABLE _vlm_gzip_failed)
 if(_vlm_gzip_failed)
     message(FATAL_ERROR "gzip could not compress the Debian changelog")
 endif()
 install(FILES "${PROJECT_SOURCE_DIR}/packaging/debian/copyright"
-    "${PROJECT_BINARY_DIR}/debian/changelog.Debian.gz"
+    "${PROJECT_BINARY_DIR}/debian/changelog.gz"
     DESTINATION "${_vlm_docdir}")
+
+# Installing and packaging take what is built instead of building every target first (the
+# test suites included): scripts/package builds exactly the installed programs.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME "${VLM_PACKAGE_NAME}")
@@ -23,9 +27,10 @@ set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 set(CPACK_PACKAGE_VENDOR "Galley and Vellumine developers")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "IDML host with font auto-activation and a font manager")
 set(CPACK_PACKAGE_DESCRIPTION
-    "Galley opens IDML documents in a Qt window or headless, loads the Vellumine Link
-plug-in, which asks the font manager for the fonts a document misses and has it
-activate them, shows its fonts dialogs and saves font replacements.
+    "Galley opens IDML documents in a Qt window or headless and loads the
+Vellumine Link plug-in, which asks the font manager for the fonts a document
+misses and has it activate them, shows its fonts dialogs and saves font
+replacements.
 .
 vellumine is the font manager: a font library in an SQLite catalog that
 applications ask for fonts over the D-Bus session bus, with activation into a

@@ -3,9 +3,7 @@
 #                     starts no services), XDG folders and fontconfig configuration (DejaVu
 #                     and URW base35 Type 1, plus the folder vellumine activates into), and
 #                     nothing that points into the build tree.
-#   fail MESSAGE      reports a failed check and ends the test.
-#   expect_file PATH  fails unless PATH is a regular file.
-set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/checks.sh"
 
 world=$(mktemp -d /tmp/galley-install-test-XXXXXX)
 bus_pid=""
@@ -26,14 +24,6 @@ cleanup() {
     rm -rf "$world"
 }
 trap cleanup EXIT
-
-fail() {
-    echo "FAIL: $*" >&2
-    exit 1
-}
-expect_file() {
-    [[ -f $1 ]] || fail "missing $1"
-}
 
 mkdir -p "$world/data/fonts" "$world/config" "$world/cache" "$world/system" "$world/home"
 mkdir -m 0700 "$world/run"
