@@ -40,6 +40,16 @@ inline Tamrik::SmartPointer<VLMFontInfo> record(const std::string& name, Shape s
     return font;
 }
 
+// Each text between `open` and the next `close` in `text`.
+inline std::vector<std::string> between(const std::string& text, const std::string& open, const std::string& close) {
+    std::vector<std::string> found;
+    for (auto at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
+        const auto start = at + open.size();
+        found.push_back(text.substr(start, text.find(close, start) - start));
+    }
+    return found;
+}
+
 // Installed faces for the replacement list.
 struct Faces : Galley::FaceSource {
     std::vector<Galley::InstalledFace> load() override {
@@ -91,17 +101,9 @@ protected:
     // Every request of `command` sent to the font manager, each as the values of `element`.
     std::vector<std::vector<std::string>> requests(const std::string& command, const std::string& element) const {
         std::vector<std::vector<std::string>> found;
-        const std::string open = "<" + element + ">", close = "</" + element + ">";
-        for (const auto& sent : platform.appEvents.sent()) {
-            const std::string& text = sent.event.text;
-            if (text.find("<cmd>" + command + "</cmd>") == std::string::npos)
-                continue;
-            found.emplace_back();
-            for (auto at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
-                const auto start = at + open.size();
-                found.back().push_back(text.substr(start, text.find(close, start) - start));
-            }
-        }
+        for (const auto& sent : platform.appEvents.sent())
+            if (sent.event.text.find("<cmd>" + command + "</cmd>") != std::string::npos)
+                found.push_back(between(sent.event.text, "<" + element + ">", "</" + element + ">"));
         return found;
     }
     struct Presenter : Galley::Presenter {

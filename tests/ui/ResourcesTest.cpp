@@ -1,22 +1,12 @@
-#include <gtest/gtest.h>
+#include "FontsDialogFixture.h"
 
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
-#include <vector>
 
+namespace UiTest {
 namespace {
-
-// Each text between `open` and the next `close` in `text`.
-std::vector<std::string> between(const std::string& text, const std::string& open, const std::string& close) {
-    std::vector<std::string> found;
-    for (auto at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
-        const auto start = at + open.size();
-        found.push_back(text.substr(start, text.find(close, start) - start));
-    }
-    return found;
-}
 
 std::string contentsOf(const std::filesystem::path& path) {
     std::ifstream in(path);
@@ -49,3 +39,4 @@ TEST(Resources, EveryKeyHasAnEnglishText) {
 }
 
 } // namespace
+} // namespace UiTest

@@ -90,12 +90,6 @@ TEST_F(TreeModel, AnEmptyDocumentGivesABareRootAndARebuildReleasesTheOldTreesRec
 }
 
 TEST(FontNodeID, CompareOrdersHigherLevelsFirstThenSequenceThenNames) {
-    auto named = [](const char* host, const char* style) {
-        Tamrik::SmartPointer<VLMFontInfo> font(new VLMFontInfo());
-        font->hostFontName = host;
-        font->font.styleName = style;
-        return font;
-    };
     TreeViewDataNode font1, font4, match1, font1A, font1Bold;
     for (auto [node, level, sequence, host, style] :
          {std::tuple{&font1, 2, 1, "B", "Regular"}, std::tuple{&font4, 2, 4, "B", "Regular"},
@@ -103,9 +97,9 @@ TEST(FontNodeID, CompareOrdersHigherLevelsFirstThenSequenceThenNames) {
           std::tuple{&font1Bold, 2, 1, "B", "Bold"}}) {
         node->SetLevel(level);
         node->SetSequenceNumber(sequence);
-        node->SetData(named(host, style));
+        node->SetData(record(host, {}));
+        node->GetData()->font.styleName = style;
     }
-    const NodeID generic = VLMFontNodeID::Create();
     struct Case { const TreeViewDataNode* self; const TreeViewDataNode* other; int32 expected; };
     for (const auto& [self, other, expected] :
          {Case{&font1, &match1, 1}, Case{&match1, &font1, -1}, Case{&font1, &font4, -1}, Case{&font4, &font1, 1},
@@ -116,7 +110,7 @@ TEST(FontNodeID, CompareOrdersHigherLevelsFirstThenSequenceThenNames) {
         EXPECT_EQ((result > 0) - (result < 0), expected) << self << " " << other;
     }
     EXPECT_EQ(VLMFontNodeID::Create(&font1).Get()->Compare(nullptr), 0);
-    EXPECT_EQ(generic.Get()->GetNodeType(), 0x11F30D);
+    EXPECT_EQ(VLMFontNodeID::Create().Get()->GetNodeType(), 0x11F30D);
 }
 
 TEST(FontNodeID, AStreamCarriesOnlyAPlaceholderAndReadingKeepsTheNode) {
