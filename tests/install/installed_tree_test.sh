@@ -35,12 +35,10 @@ for elf in "$prefix"/bin/* "$prefix"/lib/galley/*.so "$prefix"/lib/galley/plug-i
 done
 
 # The MIME database takes the type and gives it to *.idml.
-if command -v update-mime-database >/dev/null; then
-    cp -r "$prefix/share/mime" "$world/mime"
-    update-mime-database "$world/mime" 2>"$world/mime.log" || fail "update-mime-database: $(cat "$world/mime.log")"
-    grep -q ':application/vnd.adobe.indesign-idml-package:\*\.idml$' "$world/mime/globs2" ||
-        fail "*.idml is not mapped to the IDML type"
-fi
+cp -r "$prefix/share/mime" "$world/mime"
+update-mime-database "$world/mime" 2>"$world/mime.log" || fail "update-mime-database: $(cat "$world/mime.log")"
+grep -q ':application/vnd.adobe.indesign-idml-package:\*\.idml$' "$world/mime/globs2" ||
+    fail "*.idml is not mapped to the IDML type"
 
 # The main road from the installed tree alone: the launcher is found in XDG_DATA_DIRS.
 world_data_dirs="$prefix/share"
