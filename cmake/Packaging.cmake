@@ -43,15 +43,15 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${VLM_PACKAGE_MAINTAINER}")
 set(CPACK_DEBIAN_PACKAGE_SECTION "graphics")
 set(CPACK_DEBIAN_PACKAGE_PRIORITY "optional")
 # Depends: from the libraries the programs are linked with (dpkg-shlibdeps), not from a
-# hand-written list. The project's own libraries live in the package's private folder,
-# which dpkg-shlibdeps must be told about, or it cannot place them.
+# hand-written list. The project's own libraries go into the package's private folder, so
+# dpkg-shlibdeps is told where they are built, or it cannot place them.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS OFF)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
     "${PROJECT_BINARY_DIR}/sdk" "${PROJECT_BINARY_DIR}/foundation" "${PROJECT_BINARY_DIR}/platform")
 # Not libraries, but what the programs use at run time: the session bus for vellumine and
 # the plug-in's conversation, fontconfig's configuration and the shared MIME database.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "dbus-session-bus | dbus-x11, fontconfig")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, fontconfig, shared-mime-info")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bash-completion")
 
 include(CPack)
