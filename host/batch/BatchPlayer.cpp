@@ -15,6 +15,8 @@ namespace Galley {
 
 namespace {
 
+constexpr auto quietPeriod = std::chrono::seconds(1);
+
 std::string lowered(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -70,7 +72,8 @@ void BatchPlayer::consider() {
         return;
     Dialog* dialog = front();
     if (next_ >= actions_.size() || !error_.empty()) {
-        if (dialog && (!dialog->closesByItself() || !error_.empty())) {
+        const bool quiet = std::chrono::steady_clock::now() - lastAction_ >= quietPeriod;
+        if (dialog && ((!dialog->closesByItself() && quiet) || !error_.empty())) {
             posted_ = true;
             runtime_.loop().post([this] {
                 posted_ = false;
@@ -91,6 +94,7 @@ void BatchPlayer::consider() {
         posted_ = false;
         const BatchAction current = actions_[next_++];
         play(current);
+        lastAction_ = std::chrono::steady_clock::now();
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "host/batch/BatchScript.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -17,7 +18,9 @@ class IdmlDocument;
 // plug-ins have reached: an action that needs a dialog plays once one is in front, a save
 // waits until no dialog is open. When the actions are used up, a dialog in front that needs
 // a user's decision is cancelled; one that ends by itself (a progress dialog) is left to
-// finish within the time-out.
+// finish within the time-out. The cancelling waits until a second has passed without an
+// action, so that a dialog the last action set going (an activation whose fonts are on
+// their way) can still end by itself.
 class BatchPlayer {
 public:
     BatchPlayer(Runtime& runtime, TerminalPresenter& view, std::vector<BatchAction> actions);
@@ -48,6 +51,7 @@ private:
     bool posted_ = false;
     int hook_ = 0;
     std::string error_;
+    std::chrono::steady_clock::time_point lastAction_ = std::chrono::steady_clock::now();
 };
 
 } // namespace Galley
