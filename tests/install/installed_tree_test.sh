@@ -1,6 +1,7 @@
-# An installed tree works on its own: installed into a temporary prefix, galley finds its
-# libraries, the plug-in and its resources, and through the installed launcher starts the
-# installed vellumine, which activates the sample's missing fonts; moved elsewhere, the tree
+# An installed tree works on its own: installed into a temporary prefix, its D-Bus service
+# lets a bus start the installed vellumine; galley finds its libraries, the plug-in and its
+# resources, and through the installed launcher starts the installed vellumine, which
+# activates the sample's missing fonts; moved elsewhere, the tree
 # still works, and a stale plug-in beside the real one is reported once and skipped.
 # Arguments: BUILD_DIR STALE_PLUGIN
 build=$1
@@ -40,6 +41,23 @@ update-mime-database "$world/mime" 2>"$world/mime.log" || fail "update-mime-data
 grep -q ':application/vnd.adobe.indesign-idml-package:\*\.idml$' "$world/mime/globs2" ||
     fail "*.idml is not mapped to the IDML type"
 
+# A bus that reads the installed D-Bus service starts the installed vellumine on a call.
+cp "$prefix/share/dbus-1/services/org.vellumine.Vellumine.service" "$world/services/"
+in_world dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+    org.freedesktop.DBus.ReloadConfig >/dev/null
+in_world dbus-send --session --print-reply --dest=org.vellumine.Vellumine / \
+    org.freedesktop.DBus.Peer.Ping >/dev/null || fail "the bus did not start vellumine from its service file"
+[[ $(readlink "/proc/$(font_manager_pid)/exe") == "$prefix/bin/vellumine" ]] ||
+    fail "the bus started another vellumine than the installed one"
+stop_font_manager
+rm "$world/services/org.vellumine.Vellumine.service"
+in_world dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+    org.freedesktop.DBus.ReloadConfig >/dev/null
+for _ in $(seq 50); do
+    [[ -n $(font_manager_pid) ]] || break
+    sleep 0.1
+done
+
 # The main road from the installed tree alone: the launcher is found in XDG_DATA_DIRS.
 world_data_dirs="$prefix/share"
 in_world "$prefix/bin/vellumine" add /usr/share/texmf/fonts/opentype/public/tex-gyre >/dev/null
@@ -47,10 +65,7 @@ cp "$VLM_SOURCE_DIR/tests/data/brochure.idml" "$world/brochure.idml"
 status=0
 in_world "$prefix/bin/galley" --batch "$world/brochure.idml" --timeout 30 >"$world/out" 2>"$world/err" || status=$?
 [[ $status == 0 ]] || fail "galley --batch from the installed tree ended with status $status: $(cat "$world/err")"
-server_pid=$(in_world dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus \
-    /org/freedesktop/DBus org.freedesktop.DBus.GetConnectionUnixProcessID \
-    string:org.vellumine.Vellumine | awk '{print $2}')
-[[ $(readlink "/proc/$server_pid/exe") == "$prefix/bin/vellumine" ]] ||
+[[ $(readlink "/proc/$(font_manager_pid)/exe") == "$prefix/bin/vellumine" ]] ||
     fail "the font manager that answered is not the installed one"
 
 # Moved elsewhere, with a plug-in of an older SDK beside the real one.
