@@ -1,8 +1,8 @@
 # An installed tree works on its own: installed into a temporary prefix, its D-Bus service
 # lets a bus start the installed vellumine; galley finds its libraries, the plug-in and its
 # resources, and through the installed launcher starts the installed vellumine, which
-# activates the sample's missing fonts; moved elsewhere, the tree
-# still works, and a stale plug-in beside the real one is reported once and skipped.
+# activates the sample's missing fonts; moved elsewhere, the tree still works, and a stale
+# plug-in beside the real one is reported once and skipped.
 # Arguments: BUILD_DIR STALE_PLUGIN
 build=$1
 stale_plugin=$2
