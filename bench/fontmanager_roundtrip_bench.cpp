@@ -11,7 +11,10 @@
 // process); BM_RawRequestToVellumine sends the plug-in's request text and takes the reply text;
 // BM_PluginFontRequest adds the plug-in's transport, reply parsing and merge;
 // BM_RepeatedFontToVellumine asks for one font of two faces many times, whose reply at
-// 40,000 fonts passes the reply size limit and is sent without its face lists. Counters:
+// 40,000 fonts passes the reply size limit and is sent without its face lists. The second
+// argument of BM_AnswerWithoutBus and BM_RawRequestToVellumine turns the system-fonts setting
+// off (0) or on (1): with it on, every request also reads fontconfig's font list, which here
+// holds every face of the library. Counters:
 // us_echo (the echo of the same request bytes), x_echo (round trip over echo).
 
 #include "PrivateSession.h"
@@ -126,7 +129,14 @@ void reportAgainstEcho(benchmark::State& state, const std::string& text, Exchang
     state.counters["request_bytes"] = static_cast<double>(text.size());
 }
 
+// The setting as the server reads it, from the catalog, at each request.
+void useSystemFonts(const benchmark::State& state) {
+    Vellumine::Catalog catalog(Vellumine::LibraryPaths::fromEnvironment().catalogFile());
+    catalog.write([&] { catalog.setSystemFonts(state.range(1) != 0); });
+}
+
 void BM_RawRequestToVellumine(benchmark::State& state) {
+    useSystemFonts(state);
     const std::string text = requestText(makeRecords(static_cast<int>(state.range(0))));
     std::size_t replyBytes = 0;
     for (auto _ : state) {
@@ -177,6 +187,7 @@ void BM_RepeatedFontToVellumine(benchmark::State& state) {
 
 // vellumine's own share: the same request answered in this process, without the bus.
 void BM_AnswerWithoutBus(benchmark::State& state) {
+    useSystemFonts(state);
     const std::string text = requestText(makeRecords(static_cast<int>(state.range(0))));
     const auto paths = Vellumine::LibraryPaths::fromEnvironment();
     Vellumine::Catalog catalog(paths.catalogFile());
@@ -189,8 +200,12 @@ void BM_AnswerWithoutBus(benchmark::State& state) {
     reportAgainstEcho(state, text, [&] { dispatcher.answer(text); });
 }
 
-BENCHMARK(BM_AnswerWithoutBus)->Arg(1)->Arg(100)->Arg(5000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_RawRequestToVellumine)->Arg(1)->Arg(100)->Arg(5000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_AnswerWithoutBus)
+    ->ArgsProduct({{1, 100, 5000}, {0, 1}})
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RawRequestToVellumine)
+    ->ArgsProduct({{1, 100, 5000}, {0, 1}})
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_PluginFontRequest)->Arg(1)->Arg(100)->Arg(5000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RepeatedFontToVellumine)->Arg(100)->Arg(40000)->Unit(benchmark::kMillisecond);
 

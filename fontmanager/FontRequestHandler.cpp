@@ -88,24 +88,23 @@ std::string describeFace(const FaceRecord& face) {
            technologyName(face.type) + ", " + state + ", " + file;
 }
 
-std::optional<SystemFonts> loadSystemFonts(Catalog& catalog, const Activation& activation) {
-    if (!catalog.systemFonts()) {
-        return std::nullopt;
+const SystemFonts* currentSystemFonts(FontRequestContext& context) {
+    if (!context.catalog.systemFonts()) {
+        return nullptr;
     }
     try {
-        return SystemFonts::fromFontconfig(activation.linkFolder());
+        return &context.systemFonts.current(context.activation.linkFolder());
     } catch (const std::exception& error) {
         // Answering from the library alone is still an answer.
         Logger::log("vellumine-request", std::string("system fonts unknown: ") + error.what());
-        return std::nullopt;
+        return nullptr;
     }
 }
 
 std::string answerFontRequest(FontRequestContext& context, const Request& request,
                               const std::string& application, const std::string& protocolVersion) {
     Catalog& catalog = context.catalog;
-    const auto systemFonts = loadSystemFonts(catalog, context.activation);
-    const SystemFonts* system = systemFonts ? &*systemFonts : nullptr;
+    const SystemFonts* system = currentSystemFonts(context);
     if (catalog.autoActivation()) {
         try {
             activateAutomatically(catalog, context.activation, context.changes, request,

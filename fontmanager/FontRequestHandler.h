@@ -7,7 +7,6 @@
 #include "fontmanager/Request.h"
 
 #include <cstddef>
-#include <optional>
 #include <string>
 
 namespace Vellumine {
@@ -27,6 +26,7 @@ struct FontRequestContext {
     Activation& activation;
     LibraryChanges& changes;
     ReplyLimits limits;
+    SystemFontsCache& systemFonts;
 };
 
 // Answers a "fontRequest" from the library and, unless the catalog's system-fonts setting is
@@ -47,8 +47,8 @@ bool asksForChoice(const FontMatch& match);
 // NimbusRoman-Regular.otf"; a system face is "installed on the system" with its full path.
 std::string describeFace(const FaceRecord& face);
 
-// The system's fonts for one request, or nothing when the setting is off or fontconfig
-// fails (logged).
-std::optional<SystemFonts> loadSystemFonts(Catalog& catalog, const Activation& activation);
+// The system's fonts for one request, or none when the setting is off or fontconfig fails
+// (logged).
+const SystemFonts* currentSystemFonts(FontRequestContext& context);
 
 } // namespace Vellumine

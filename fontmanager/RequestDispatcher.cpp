@@ -60,7 +60,7 @@ std::string RequestDispatcher::dispatch(const Request& request) {
     const std::string& version = options.protocolVersion;
     if (command == "fontRequest") {
         rememberTarget(request);
-        FontRequestContext context{catalog, activation, changes, options.replyLimits};
+        FontRequestContext context{catalog, activation, changes, options.replyLimits, systemFonts};
         return answerFontRequest(context, request, requester(request), version);
     }
     if (command == "activationRequest") {

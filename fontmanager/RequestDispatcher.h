@@ -43,6 +43,7 @@ private:
     Activation& activation;
     LibraryChanges& changes;
     DispatcherOptions options;
+    SystemFontsCache systemFonts;
     std::set<std::pair<std::string, std::string>> rememberedTargets;
 };
 

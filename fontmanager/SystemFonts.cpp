@@ -2,9 +2,13 @@
 
 #include <fontconfig/fontconfig.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <memory>
 #include <optional>
@@ -123,12 +127,43 @@ struct ConfigDeleter {
     void operator()(FcConfig* config) const { FcConfigDestroy(config); }
 };
 
+void addStrings(FcStrList* list, std::vector<std::filesystem::path>& paths) {
+    while (FcChar8* text = FcStrListNext(list)) {
+        paths.emplace_back(reinterpret_cast<const char*>(text));
+    }
+    FcStrListDone(list);
+}
+
+std::int64_t modifiedNanoseconds(const std::filesystem::path& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return -1;
+    }
+    return std::int64_t(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
+}
+
+std::int64_t nowNanoseconds() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return std::int64_t(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
+}
+
+std::string environmentValue(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
 } // namespace
 
-SystemFonts SystemFonts::fromFontconfig(const std::filesystem::path& ownFolder) {
+SystemFonts SystemFonts::fromFontconfig(const std::filesystem::path& ownFolder,
+                                        std::vector<std::filesystem::path>* watched) {
     const std::unique_ptr<FcConfig, ConfigDeleter> config(FcInitLoadConfigAndFonts());
     if (!config) {
         throw std::runtime_error("fontconfig could not load its configuration");
+    }
+    if (watched != nullptr) {
+        addStrings(FcConfigGetConfigFiles(config.get()), *watched);
+        addStrings(FcConfigGetFontDirs(config.get()), *watched);
     }
     SystemFonts fonts;
     const FolderTest own(ownFolder);
@@ -176,6 +211,35 @@ std::vector<const SystemFace*> SystemFonts::byPostScriptName(const std::string& 
 
 std::vector<const SystemFace*> SystemFonts::byFamily(const std::string& family) const {
     return found(faces, families, lowercase(family));
+}
+
+bool SystemFontsCache::changed(const std::filesystem::path& ownFolder) const {
+    return !fonts || reloadNext || configFile != environmentValue("FONTCONFIG_FILE") ||
+           folder != ownFolder ||
+           std::any_of(stamps.begin(), stamps.end(), [](const Stamp& stamp) {
+               return modifiedNanoseconds(stamp.path) != stamp.modified;
+           });
+}
+
+const SystemFonts& SystemFontsCache::current(const std::filesystem::path& ownFolder) {
+    if (!changed(ownFolder)) {
+        return *fonts;
+    }
+    fonts.reset();
+    const std::int64_t loadStart = nowNanoseconds();
+    std::vector<std::filesystem::path> watched;
+    fonts = SystemFonts::fromFontconfig(ownFolder, &watched);
+    configFile = environmentValue("FONTCONFIG_FILE");
+    folder = ownFolder;
+    stamps.clear();
+    reloadNext = false;
+    for (auto& path : watched) {
+        const std::int64_t modified = modifiedNanoseconds(path);
+        // Changed while fontconfig was reading: maybe before, maybe after it looked.
+        reloadNext = reloadNext || modified >= loadStart;
+        stamps.push_back({std::move(path), modified});
+    }
+    return *fonts;
 }
 
 } // namespace Vellumine

@@ -3,7 +3,9 @@
 #include "fontmanager/Catalog.h"
 
 #include <filesystem>
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,7 +28,9 @@ public:
     // Loads fontconfig's configuration as fontconfig itself finds it (FONTCONFIG_FILE and
     // the rest), afresh, so that fonts installed since the last request are seen. Throws
     // std::runtime_error when fontconfig cannot load it.
-    static SystemFonts fromFontconfig(const std::filesystem::path& ownFolder);
+    // `watched` receives the configuration files and font folders fontconfig read.
+    static SystemFonts fromFontconfig(const std::filesystem::path& ownFolder,
+                                      std::vector<std::filesystem::path>* watched = nullptr);
 
     std::vector<const SystemFace*> byPostScriptName(const std::string& name) const;
     // Ignoring ASCII case, under any of the face's family names.
@@ -39,6 +43,29 @@ private:
     std::vector<SystemFace> faces;
     std::multimap<std::string, std::size_t> names;
     std::multimap<std::string, std::size_t> families; // by lowercase family
+};
+
+// The system's fonts from one request to the next. Loading fontconfig's configuration and
+// font list costs milliseconds, so it is loaded again only when what it was loaded from
+// changed: the FONTCONFIG_FILE named, a configuration file or font folder (by its
+// modification time in nanoseconds, which fontconfig's own check, in whole seconds,
+// misses for a font added in the second of the last load), or the folder left out.
+class SystemFontsCache {
+public:
+    const SystemFonts& current(const std::filesystem::path& ownFolder);
+
+private:
+    struct Stamp {
+        std::filesystem::path path;
+        std::int64_t modified; // nanoseconds since the epoch; -1 when it cannot be read
+    };
+    bool changed(const std::filesystem::path& ownFolder) const;
+
+    std::optional<SystemFonts> fonts;
+    std::string configFile;
+    std::filesystem::path folder;
+    std::vector<Stamp> stamps;
+    bool reloadNext = false; // something changed while the list was being loaded
 };
 
 } // namespace Vellumine

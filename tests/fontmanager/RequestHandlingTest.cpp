@@ -173,7 +173,9 @@ TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
 // What fontconfig lists (here DejaVu and the URW Type 1 faces) is present and active,
 // without a container, and vellumine never activates its own copy of it.
 TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
-    const PrivateFontconfig system({dejaVuFolder, urwType1Folder});
+    const auto installed = scratch.path() / "installed";
+    std::filesystem::create_directories(installed);
+    const PrivateFontconfig system({dejaVuFolder, urwType1Folder, installed});
     struct Case {
         std::string font;
         std::vector<std::string> expected;
@@ -201,6 +203,13 @@ TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
     EXPECT_TRUE(std::any_of(first, last, [](const auto& description) {
         return description.second.ends_with("installed on the system, " + dejaVuSans.string());
     }));
+    // Installed since the last request, within the same second: the next request sees it.
+    const std::string c059 = fontRequest({"<psName>C059-Roman</psName>\n<type>OT_T1</type>\n"});
+    expectElements(replyBlocks(dispatcher.answer(c059))[1],
+                   {"count=1", "typeMatchingCount=0", "isTypeMatchingActive=false"}); // Type 1
+    std::filesystem::create_symlink(urwOpenTypeFolder / "C059-Roman.otf", installed / "C059.otf");
+    expectElements(replyBlocks(dispatcher.answer(c059))[1],
+                   {"count=2", "typeMatchingCount=1", "isTypeMatchingActive=true"});
 
     catalog.setSystemFonts(false); // the library alone, as before
     expectElements(replyBlocks(dispatcher.answer(fontRequest({cases[0].font})))[1],
