@@ -16,15 +16,23 @@ SDKListBoxHelper listBoxOf(IPanelControlData* panel) {
     return SDKListBoxHelper(panel, kVelluminePrefix, kReplacerListBoxWidgetID, kReplacerElementRsrcID);
 }
 
-// The name the list shows and font replacement receives: "Family Style", a full name the
-// host's font manager finds the face by.
-PMString listedName(const IPMFont& font) {
+bool sameFace(const IPMFont* a, const IPMFont& b) {
+    return a == &b || (a && a->GetPostScriptName() == b.GetPostScriptName() && a->GetFamilyName() == b.GetFamilyName() &&
+                       a->GetStyleName() == b.GetStyleName());
+}
+
+// The name the list shows and font replacement receives: "Family Style" where the host's
+// font manager finds this very face by it, else the face's PostScript name (a full name can
+// differ from family and style, and font replacement looks the face up by this name).
+PMString listedName(const IFontMgr& fonts, const IPMFont& font) {
     PMString name = font.GetFamilyName();
     const PMString style = font.GetStyleName();
     if (!style.IsEmpty()) {
         name.Append(std::string_view(" "));
         name.Append(style);
     }
+    if (!sameFace(fonts.QueryFont(name), font) && !font.GetPostScriptName().IsEmpty())
+        name = font.GetPostScriptName();
     name.SetTranslatable(false);
     return name;
 }
@@ -53,7 +61,7 @@ void ReplacerDialogController::synchronizeDialog() {
             IPMFont* font = family->QueryFace(family->GetFaceName(faceIndex));
             if (!font)
                 continue;
-            const PMString name = listedName(*font);
+            const PMString name = listedName(*fonts, *font);
             if (!listBox.AddElement(name, kReplacerElementTextWidgetID, position))
                 continue;
             names_.push_back(name);

@@ -58,7 +58,9 @@ struct Faces : Galley::FaceSource {
         for (std::size_t n = 0; n < faces.size(); ++n) {
             faces[n].families = {names[n][0]};
             faces[n].styles = {names[n][1]};
-            faces[n].postscriptName = faces[n].family() + "-" + faces[n].style();
+            faces[n].postscriptName = faces[n].file = faces[n].family() + "-" + faces[n].style();
+            // Beta Regular calls itself "Beta Book": it is listed by its PostScript name.
+            faces[n].fullName = n == 2 ? "Beta Book" : faces[n].family() + " " + faces[n].style();
         }
         return faces;
     }
