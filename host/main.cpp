@@ -38,6 +38,11 @@ std::string executablePath(const char* argv0) {
 
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
+#ifdef GALLEY_WITH_GUI
+    // Without a document, the window opens empty (File ▸ Open).
+    if (arguments.empty() && Galley::guiAvailable())
+        return Galley::runGui(argc, argv, {}, executablePath(argv[0]));
+#endif
     if (arguments.empty() || arguments[0] == "--help" || arguments[0] == "-h") {
         printUsage(arguments.empty() ? std::cerr : std::cout);
         return arguments.empty() ? 2 : 0;
