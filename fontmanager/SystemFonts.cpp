@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -48,8 +49,7 @@ bool startsAsSfnt(const std::filesystem::path& file) {
         return false;
     }
     const std::string text(tag.data(), tag.size());
-    return text == std::string("\0\1\0\0", 4) || text == "OTTO" || text == "true" ||
-           text == "ttcf";
+    return text == std::string("\0\1\0\0", 4) || text == "OTTO" || text == "true" || text == "ttcf";
 }
 
 // The type vellumine would give the face when added to its library (see FaceReader), from
@@ -67,8 +67,8 @@ std::optional<FaceType> classify(const std::string& format, bool outline,
     if (format == "CFF") {
         // FreeType calls sfnts with CFF outlines and bare CFF alike "CFF"; only files not
         // named like an sfnt are worth reading to tell them apart.
-        const bool sfntName = extension == ".otf" || extension == ".otc" ||
-                              extension == ".ttf" || extension == ".ttc";
+        const bool sfntName = extension == ".otf" || extension == ".otc" || extension == ".ttf" ||
+                              extension == ".ttc";
         return sfntName || startsAsSfnt(file) ? std::optional(FaceType::openTypePostScript)
                                               : std::nullopt;
     }
@@ -87,10 +87,11 @@ public:
         spellings = {folder.lexically_normal(), std::filesystem::weakly_canonical(folder, ignored)};
     }
 
-    bool holds(const std::filesystem::path& file) const {
-        const auto parent = file.lexically_normal().parent_path();
+    // Whether `path` is the folder or lies below it.
+    bool holds(const std::filesystem::path& path) const {
+        const auto normal = path.lexically_normal();
         return std::any_of(spellings.begin(), spellings.end(), [&](const auto& folder) {
-            const auto relative = parent.lexically_relative(folder);
+            const auto relative = normal.lexically_relative(folder);
             return !folder.empty() && !relative.empty() && *relative.begin() != "..";
         });
     }
@@ -161,12 +162,16 @@ SystemFonts SystemFonts::fromFontconfig(const std::filesystem::path& ownFolder,
     if (!config) {
         throw std::runtime_error("fontconfig could not load its configuration");
     }
+    const FolderTest own(ownFolder);
     if (watched != nullptr) {
         addStrings(FcConfigGetConfigFiles(config.get()), *watched);
-        addStrings(FcConfigGetFontDirs(config.get()), *watched);
+        std::vector<std::filesystem::path> folders;
+        addStrings(FcConfigGetFontDirs(config.get()), folders);
+        // Activations change vellumine's own folder, whose faces are left out anyway.
+        std::copy_if(folders.begin(), folders.end(), std::back_inserter(*watched),
+                     [&](const auto& folder) { return !own.holds(folder); });
     }
     SystemFonts fonts;
-    const FolderTest own(ownFolder);
     FcFontSet* set = FcConfigGetFonts(config.get(), FcSetSystem);
     for (int i = 0; set != nullptr && i < set->nfont; ++i) {
         auto face = systemFace(set->fonts[i]);
@@ -215,8 +220,7 @@ std::vector<const SystemFace*> SystemFonts::byFamily(const std::string& family) 
 
 bool SystemFontsCache::changed(const std::filesystem::path& ownFolder) const {
     return !fonts || reloadNext || configFile != environmentValue("FONTCONFIG_FILE") ||
-           folder != ownFolder ||
-           std::any_of(stamps.begin(), stamps.end(), [](const Stamp& stamp) {
+           folder != ownFolder || std::any_of(stamps.begin(), stamps.end(), [](const Stamp& stamp) {
                return modifiedNanoseconds(stamp.path) != stamp.modified;
            });
 }

@@ -2,8 +2,8 @@
 
 #include "fontmanager/Catalog.h"
 
-#include <filesystem>
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>

@@ -175,7 +175,11 @@ TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
 TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
     const auto installed = scratch.path() / "installed";
     std::filesystem::create_directories(installed);
-    const PrivateFontconfig system({dejaVuFolder, urwType1Folder, installed});
+    // The activation folder is scanned too, as at home, but its faces are vellumine's own.
+    const PrivateFontconfig system(
+        {dejaVuFolder, urwType1Folder, installed, scratch.path() / "fonts"});
+    const auto bold = catalog.facesByPostScriptName("NimbusRoman-Bold").at(0).id;
+    ASSERT_TRUE(activation.activate(bold).succeeded());
     struct Case {
         std::string font;
         std::vector<std::string> expected;
@@ -190,13 +194,17 @@ TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
         {"<psName>NimbusRoman-Regular</psName>\n<type>T1</type>\n",
          {"count=3", "typeMatchingCount=2", "isTypeMatchingActive=true", "containerID=",
           "showWindow=0"}},
+        // The library's OpenType face active (and linked), the Type 1 face on the system.
+        {"<psName>NimbusRoman-Bold</psName>\n<type>T1</type>\n",
+         {"count=2", "typeMatchingCount=1", "containerID=" + std::to_string(bold),
+          "typeMatchingContainerID="}},
         {"<psName>Nowhere-Bold</psName>\n", {"count=0", "isActive=false"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.font);
         expectElements(replyBlocks(dispatcher.answer(fontRequest({c.font})))[1], c.expected);
     }
-    EXPECT_EQ(catalog.activeFaceCount(), 0);
+    EXPECT_EQ(catalog.activeFaceCount(), 1);
     EXPECT_EQ(posts, 0);
     const auto dejaVu = replyBlocks(dispatcher.answer(fontRequest({cases[0].font})))[1];
     const auto [first, last] = dejaVu.equal_range("description");
