@@ -18,7 +18,7 @@ ISubject* subjectOf(IPMUnknown* widget) {
 void VLMTreeviewObserver::AutoAttach() {
     if (ISubject* subject = subjectOf(GetBoss()))
         subject->AttachObserver(this, IID_ILISTCONTROLDATA);
-    initTree();
+    syncButtons();
 }
 
 void VLMTreeviewObserver::AutoDetach() {
@@ -28,15 +28,7 @@ void VLMTreeviewObserver::AutoDetach() {
 
 void VLMTreeviewObserver::Update(ClassID change, ISubject*, PMIID protocol, void*) {
     if (change == kListSelectionChangedMessage && protocol == IID_ILISTCONTROLDATA)
-        handleSelectionChanged();
-}
-
-void VLMTreeviewObserver::initTree() {
-    syncButtons();
-}
-
-void VLMTreeviewObserver::handleSelectionChanged() {
-    syncButtons();
+        syncButtons();
 }
 
 void VLMTreeviewObserver::syncButtons() {

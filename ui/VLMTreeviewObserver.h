@@ -17,8 +17,7 @@ public:
     void Update(ClassID change, ISubject* subject, PMIID protocol, void* changedBy) override;
 
 private:
-    void initTree();
-    void handleSelectionChanged();
+    // On attaching (the tree's first rows) and on every change of the selection.
     void syncButtons();
 
     IDialog* dialog_ = nullptr;
