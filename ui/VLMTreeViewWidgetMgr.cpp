@@ -25,8 +25,10 @@ void setText(IControlView* row, WidgetID id, const std::string& text) {
 }
 
 void showFont(IControlView* row, const VLMFontInfo& font) {
-    setText(row, kRowNameWidgetID, font.hostFontName.empty() ? font.font.familyName : font.hostFontName);
-    setText(row, kRowStyleWidgetID, font.font.styleName);
+    // The name a user knows the font by, and the PostScript name that identifies it.
+    const std::string family = font.hostFontName.empty() ? font.font.familyName : font.hostFontName;
+    setText(row, kRowNameWidgetID, font.font.styleName.empty() ? family : family + " " + font.font.styleName);
+    setText(row, kRowPostScriptNameWidgetID, font.font.psName);
     setText(row, kRowTechnologyWidgetID, font.getTechnology());
     IPanelControlData* panel = row->GetPanelControlData();
     IControlView* status = panel ? panel->FindWidget(kRowStatusWidgetID, 9999) : nullptr;

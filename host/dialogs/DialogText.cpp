@@ -3,6 +3,8 @@
 #include "host/dialogs/Dialog.h"
 
 #include <algorithm>
+#include <cctype>
+#include <map>
 
 namespace Galley {
 
@@ -88,13 +90,80 @@ std::string renderProgressBar(const Widget& bar, int width) {
            "/" + std::to_string(range);
 }
 
+namespace {
+
+void collectCells(const Widget& widget, std::vector<const Widget*>& cells) {
+    if ((widget.kind() == Kind::label || widget.kind() == Kind::editText) && widget.IsVisible())
+        cells.push_back(&widget);
+    for (const auto& child : widget.children())
+        collectCells(*child, cells);
+}
+
+std::string headerOf(const std::string& name) {
+    std::string header;
+    for (char c : name) {
+        if (std::isupper(static_cast<unsigned char>(c)) && !header.empty()) {
+            header += ' ';
+            header += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        } else {
+            header += c;
+        }
+    }
+    if (!header.empty())
+        header[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(header[0])));
+    return header;
+}
+
+} // namespace
+
+TreeTable tableOf(const Widget& tree) {
+    std::map<WidgetID, std::string> identified; // column ID -> header
+    std::size_t anonymous = 0;
+    std::vector<std::vector<const Widget*>> rowCells;
+    for (const auto& row : tree.rows()) {
+        std::vector<const Widget*> cells;
+        if (row.widget)
+            collectCells(*row.widget, cells);
+        std::size_t unnamed = 0;
+        for (const Widget* cell : cells) {
+            if (cell->GetWidgetID() != kInvalidWidgetID)
+                identified.emplace(cell->GetWidgetID(), cell->accessibleName().empty() ? headerOf(cell->GetName())
+                                                                                       : cell->accessibleName());
+            else
+                ++unnamed;
+        }
+        anonymous = std::max(anonymous, unnamed);
+        rowCells.push_back(std::move(cells));
+    }
+    TreeTable table;
+    std::map<WidgetID, std::size_t> columnOf;
+    for (const auto& [id, header] : identified) {
+        columnOf[id] = table.headers.size();
+        table.headers.push_back(header);
+    }
+    const std::size_t firstAnonymous = table.headers.size();
+    table.headers.resize(firstAnonymous + anonymous);
+    for (const auto& cells : rowCells) {
+        std::vector<const Widget*> placed(table.headers.size(), nullptr);
+        std::size_t unnamed = 0;
+        for (const Widget* cell : cells)
+            placed[cell->GetWidgetID() != kInvalidWidgetID ? columnOf[cell->GetWidgetID()] : firstAnonymous + unnamed++] = cell;
+        table.cells.push_back(std::move(placed));
+    }
+    return table;
+}
+
 std::vector<std::string> renderTree(const Widget& tree) {
     NodeIDList selection;
     tree.GetSelectedItems(selection);
+    const TreeTable table = tableOf(tree);
     std::vector<std::vector<std::string>> cells;
     std::vector<std::size_t> widths;
-    for (const auto& row : tree.rows()) {
-        std::vector<std::string> texts = row.widget ? widgetTexts(*row.widget) : std::vector<std::string>{};
+    for (std::size_t r = 0; r < tree.rows().size(); ++r) {
+        const auto& row = tree.rows()[r];
+        std::vector<std::string> texts;
+        for (const Widget* cell : table.cells[r])
+            texts.push_back(cell ? cell->displayText() : "");
         if (texts.empty())
             texts.push_back(row.node.Get() ? row.node.Get()->GetDescription().GetUTF8String() : "");
         texts.front() = std::string(static_cast<std::size_t>(row.level) * 2, ' ') + texts.front();
@@ -104,6 +173,12 @@ std::vector<std::string> renderTree(const Widget& tree) {
         cells.push_back(std::move(texts));
     }
     std::vector<std::string> lines;
+    if (!cells.empty() && table.headers.size() > 1) {
+        std::string header = "  ";
+        for (std::size_t c = 0; c < table.headers.size(); ++c)
+            header += c + 1 < table.headers.size() ? padded(table.headers[c], widths[c] + 2) : table.headers[c];
+        lines.push_back(header);
+    }
     for (std::size_t r = 0; r < cells.size(); ++r) {
         const bool isSelected =
             std::find(selection.begin(), selection.end(), tree.rows()[r].node) != selection.end();

@@ -21,4 +21,13 @@ std::string renderProgressBar(const Widget& bar, int width = 30);
 // The texts a row or element shows, in description order.
 std::vector<std::string> widgetTexts(const Widget& widget);
 
+// A tree's rows as a table: one column per text widget ID that any row has (in ascending ID
+// order), so that the texts of different row descriptions line up under the same column;
+// text widgets without an ID follow in description order. Cells a row lacks are null.
+struct TreeTable {
+    std::vector<std::string> headers; // accessible names, else names ("fontName": "Font name")
+    std::vector<std::vector<const Widget*>> cells; // per row of the tree
+};
+TreeTable tableOf(const Widget& tree);
+
 } // namespace Galley

@@ -118,6 +118,8 @@ private:
             }
         } else if (name == "text" || name == "windowTitle" || name == "title") {
             spec.text = text;
+        } else if (name == "accessibleName") {
+            spec.accessibleName = text;
         } else if (name == "default") {
             spec.isDefault = text == "true";
         } else if (name == "enabled") {

@@ -18,6 +18,7 @@ struct WidgetSpec {
     std::string name;
     WidgetID id = kInvalidWidgetID;
     std::string text;
+    std::string accessibleName; // a short name for the widget (a table column's title)
     bool isDefault = false;
     bool enabled = true;
     int minimumWidth = 0;

@@ -9,7 +9,7 @@ namespace Galley {
 
 Widget::Widget(const WidgetSpec& spec, WidgetServices& services, Widget* parent)
     : services_(services), parent_(parent), kind_(spec.kind), id_(spec.id), name_(spec.name),
-      isDefault_(spec.isDefault), enabled_(spec.enabled),
+      accessibleName_(spec.accessibleName), isDefault_(spec.isDefault), enabled_(spec.enabled),
       text_(spec.text, PMString::kDontTranslateDuringCall) {
     // Texts of a description that are string keys are looked up like any other key.
     if (spec.text.rfind("0x", 0) == 0)

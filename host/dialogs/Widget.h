@@ -53,6 +53,7 @@ public:
     Widget* parent() const { return parent_; }
     const std::vector<std::unique_ptr<Widget>>& children() const { return children_; }
     bool isDefaultButton() const { return isDefault_; }
+    const std::string& accessibleName() const { return accessibleName_; }
     const RGBColor* textColor() const { return hasTextColor_ ? &textColor_ : nullptr; }
     InterfaceColor backgroundColor() const { return background_; }
     // Every widget of this subtree with that name (depth first); null when none.
@@ -152,6 +153,7 @@ private:
     Kind kind_;
     WidgetID id_;
     std::string name_;
+    std::string accessibleName_;
     bool isDefault_;
     bool enabled_;
     bool visible_ = true;

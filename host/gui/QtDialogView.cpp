@@ -17,6 +17,7 @@
 #include <QTreeView>
 #include <QUiLoader>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace Galley {
@@ -56,6 +57,9 @@ QtDialogView::QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent) : di
         throw std::runtime_error("dialog description " + dialog.descriptionFile() + " is not a QDialog");
     }
     window_->setWindowTitle(QString::fromStdString(dialog.displayText(PMString(dialog.title()))));
+    // A tree of fonts needs room for its columns.
+    if (window_->findChild<QTreeView*>())
+        window_->resize(std::max(window_->width(), 820), std::max(window_->height(), 440));
     window_->setWindowModality(Qt::ApplicationModal);
     window_->installEventFilter(new DialogWindowFilter(dialog, loop, window_));
     dialog.root().forEach([&](Widget& model) {
@@ -153,8 +157,11 @@ void QtDialogView::syncOne(Widget& model, QWidget* view) {
         TreeRowsModel* rows = trees_[&model];
         rows->reload();
         tree->expandAll();
+        // The first column holds long candidate descriptions; it is capped so that the
+        // status stays in view (the full text is in the tool tip).
         for (int c = 0; c < rows->columnCount(); ++c)
             tree->resizeColumnToContents(c);
+        tree->setColumnWidth(0, std::min(tree->columnWidth(0), 300));
         NodeIDList selected;
         model.GetSelectedItems(selected);
         tree->selectionModel()->clearSelection();

@@ -10,24 +10,6 @@
 
 namespace Galley {
 
-namespace {
-
-// The texts of a row widget and the colour of each, in description order.
-void collect(const Widget& widget, std::vector<const Widget*>& cells) {
-    if (widget.kind() == Widget::Kind::label || widget.kind() == Widget::Kind::editText)
-        cells.push_back(&widget);
-    for (const auto& child : widget.children())
-        collect(*child, cells);
-}
-
-std::vector<const Widget*> cellsOf(const Widget* row) {
-    std::vector<const Widget*> cells;
-    if (row)
-        collect(*row, cells);
-    return cells;
-}
-
-} // namespace
 
 TreeRowsModel::TreeRowsModel(Widget& tree, QObject* parent) : QAbstractItemModel(parent), tree_(tree) {
     reload();
@@ -37,7 +19,7 @@ void TreeRowsModel::reload() {
     beginResetModel();
     nodes_.clear();
     topLevel_.clear();
-    columns_ = 1;
+    table_ = tableOf(tree_);
     std::vector<int> openAtLevel; // node index of the last row seen at each level
     const auto& rows = tree_.rows();
     for (int r = 0; r < static_cast<int>(rows.size()); ++r) {
@@ -53,7 +35,6 @@ void TreeRowsModel::reload() {
             topLevel_.push_back(self);
         openAtLevel[static_cast<std::size_t>(level)] = self;
         nodes_.push_back(node);
-        columns_ = std::max(columns_, static_cast<int>(cellsOf(rows[static_cast<std::size_t>(r)].widget).size()));
     }
     endResetModel();
 }
@@ -75,7 +56,7 @@ QModelIndex TreeRowsModel::indexOfRow(int rowIndex) const {
 
 QModelIndex TreeRowsModel::index(int row, int column, const QModelIndex& parent) const {
     const auto& siblings = parent.isValid() ? nodes_[static_cast<std::size_t>(parent.internalId())].children : topLevel_;
-    if (row < 0 || row >= static_cast<int>(siblings.size()) || column < 0 || column >= columns_)
+    if (row < 0 || row >= static_cast<int>(siblings.size()) || column < 0 || column >= columnCount())
         return {};
     return createIndex(row, column, static_cast<quintptr>(siblings[static_cast<std::size_t>(row)]));
 }
@@ -100,18 +81,18 @@ int TreeRowsModel::rowCount(const QModelIndex& parent) const {
 }
 
 int TreeRowsModel::columnCount(const QModelIndex&) const {
-    return columns_;
+    return std::max(1, static_cast<int>(table_.headers.size()));
 }
 
 QVariant TreeRowsModel::data(const QModelIndex& index, int role) const {
     const int row = rowIndex(index);
     if (row < 0 || row >= static_cast<int>(tree_.rows().size()))
         return {};
-    const auto cells = cellsOf(tree_.rows()[static_cast<std::size_t>(row)].widget);
-    if (index.column() >= static_cast<int>(cells.size()))
+    const auto& cells = table_.cells[static_cast<std::size_t>(row)];
+    if (index.column() >= static_cast<int>(cells.size()) || !cells[static_cast<std::size_t>(index.column())])
         return {};
     const Widget& cell = *cells[static_cast<std::size_t>(index.column())];
-    if (role == Qt::DisplayRole)
+    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
         return QString::fromStdString(cell.displayText());
     if (role == Qt::ForegroundRole && cell.textColor()) {
         const RGBColor& c = *cell.textColor();
@@ -121,22 +102,9 @@ QVariant TreeRowsModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant TreeRowsModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section >= static_cast<int>(table_.headers.size()))
         return {};
-    // The row description's widget names are the column titles ("fontName" -> "Font name").
-    const auto& rows = tree_.rows();
-    if (rows.empty())
-        return {};
-    const auto cells = cellsOf(rows.front().widget);
-    if (section >= static_cast<int>(cells.size()))
-        return {};
-    QString name = QString::fromStdString(cells[static_cast<std::size_t>(section)]->GetName());
-    QString title;
-    for (QChar c : name)
-        title += c.isUpper() && !title.isEmpty() ? QString(" ") + c.toLower() : QString(c);
-    if (!title.isEmpty())
-        title[0] = title[0].toUpper();
-    return title;
+    return QString::fromStdString(table_.headers[static_cast<std::size_t>(section)]);
 }
 
 } // namespace Galley

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/dialogs/DialogText.h"
+
 #include <QAbstractItemModel>
 
 #include <vector>
@@ -37,7 +39,7 @@ private:
     Widget& tree_;
     std::vector<Node> nodes_;      // one per row
     std::vector<int> topLevel_;
-    int columns_ = 1;
+    TreeTable table_;
 };
 
 } // namespace Galley

@@ -113,7 +113,7 @@ TEST(RoadCases, EndsAsTheFontManagersAnswerSays) {
         {"everything supplied", {heros, dejaVu}, {}, launcher, 0,
          {"== Activating Fonts ==", "== Activating Fonts (closed) =="}, ""},
         {"a choice to make", {pagella}, {}, launcher, 1, {"== Missing Fonts ==", "Several matches", "(cancelled)"}, ""},
-        {"the user chooses a candidate", {pagella}, {"select", "TeX Gyre Pagella/2", "press", "Activate"}, launcher, 0,
+        {"the user chooses a candidate", {pagella}, {"select", "TeXGyrePagella-Regular/2", "press", "Activate"}, launcher, 0,
          {"== Missing Fonts ==", "> press Activate", "== Missing Fonts (closed) =="}, ""},
         {"not in the library", {imaginary}, {}, launcher, 1, {"== Missing Fonts ==", "Not in library"}, ""},
         {"no font manager installed", {heros}, {}, [](World&) {}, 1, {}, "Vellumine could not be found"},
@@ -165,7 +165,7 @@ TEST_F(Road, AFontManagerThatDiesLeavesTheProgressDialogToTheTimeOutAndTheDocume
 TEST_F(Road, ShowAndBuyReachTheFontManager) {
     installLauncher();
     auto run = galley(document("choice", {pagella}),
-                      {"select", "TeX Gyre Pagella", "press", "Show in Vellumine", "press", "Buy…"});
+                      {"select", "TeXGyrePagella-Regular", "press", "Show in Vellumine", "press", "Buy…"});
     EXPECT_EQ(run->wait(), 1) << run->errors();
     const std::string status = statusOfVellumine();
     const auto shown = status.find("asked to show"), wished = status.find("wish list");
@@ -179,7 +179,7 @@ TEST_F(Road, AReplacementIsSavedAsANewPackageAndTheOriginalStaysAsItWas) {
     const std::string original = document("imaginary", {imaginary, dejaVu});
     const std::string before = bytesOf(original);
     const std::string saved = session.root() + "/replaced.idml";
-    auto run = galley(original, {"select", "Imaginary Serif", "press", "Replace…", "pick", "DejaVu Sans Bold",
+    auto run = galley(original, {"select", "ImaginarySerif-Regular", "press", "Replace…", "pick", "DejaVu Sans Bold",
                                  "press", "OK", "press", "OK", "save-as", saved});
     EXPECT_EQ(run->wait(), 0) << run->output() << run->errors();
     EXPECT_EQ(bytesOf(original), before);

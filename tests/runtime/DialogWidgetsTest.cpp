@@ -107,7 +107,7 @@ TEST_F(Dialogs, TreeRowsComeFromTheAdapterAndSelectionKeepsItsOrder) {
     EXPECT_EQ(announced, 2);
 
     EXPECT_EQ(Galley::renderTree(*tree),
-              (std::vector<std::string>{"* font 1", "    font 2", "*   font 3", "  font 4"}));
+              (std::vector<std::string>{"  Name      State", "* font 1", "    font 2", "*   font 3", "  font 4"}));
     tree->ClearTree();
     EXPECT_EQ(tree->RowCount(), 0);
     selected.clear();
