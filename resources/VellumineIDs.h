@@ -75,6 +75,7 @@ inline constexpr ImplementationID kTreeViewHierarchyAdapterImpl = 0x11F34C;
 inline constexpr ImplementationID kTreeViewWidgetMgrImpl = 0x11F34D;
 inline constexpr ImplementationID kTreeViewObserverImpl = 0x11F34E;
 inline constexpr ImplementationID kReplacerEventHandlerImpl = 0x11F34F;
+inline constexpr ImplementationID kProgressBarWidgetViewImpl = 0x11F350;
 
 // --- String keys ------------------------------------------------------------------------
 #define VLM_KEY(name) "0x11f300k" #name "Key"

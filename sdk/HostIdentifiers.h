@@ -32,6 +32,7 @@ inline constexpr PMIID IID_ITREEVIEWWIDGETMGR = 1652;
 // A tree's or list's selection; announced with kListSelectionChangedMessage.
 inline constexpr PMIID IID_ILISTCONTROLDATA = 1600;
 inline constexpr PMIID IID_IEVENTHANDLER = 1690;
+inline constexpr PMIID IID_IWIDGETVIEW = 1695;
 inline constexpr PMIID IID_IINTDATA = 4099;
 inline constexpr PMIID IID_ISTRINGDATA = 4103;
 inline constexpr PMIID IID_IOBSERVER = 4000;

@@ -1,4 +1,5 @@
 #include "ui/UiRegistration.h"
+#include "ui/VLMProgressBarWidgetView.h"
 
 #include "resources/VellumineIDs.h"
 #include "sdk/HostIdentifiers.h"
@@ -52,6 +53,10 @@ void registerFontsDialogs(IPluginRegistry& registry) {
                                  &makeOn<VLMTreeviewObserver>);
     registry.RegisterWidgetAddIn(kReplacerElementWidgetID, IID_IEVENTHANDLER, kReplacerEventHandlerImpl,
                                  &makeOn<ReplacerEventHandler>);
+    registry.RegisterWidgetAddIn(kWaitingProgressBarWidgetID, IID_IWIDGETVIEW, kProgressBarWidgetViewImpl,
+                                 [](IPMUnknown*) -> std::unique_ptr<IPMUnknown> {
+                                     return std::make_unique<VLMProgressBarWidgetView::View>();
+                                 });
 
     registry.RegisterStringTable("en", "strings.en");
 }

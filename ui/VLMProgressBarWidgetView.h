@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sdk/IControlView.h"
+#include "sdk/IWidgetView.h"
 
 #include <string>
 
@@ -26,5 +27,12 @@ struct Contents {
 
 // A value outside the range is held to it; an empty or reversed range shows nothing filled.
 Contents layout(const Rect& frame, int16 minimum, int16 maximum, int16 value, const std::string& text);
+
+// The progress bar's view in a window: draws the layout above with the host's painter,
+// from the bar's range, value and own text.
+class View : public IWidgetView {
+public:
+    void Draw(IGraphicsPort* port, const PMRect& frame, IControlView* widget) override;
+};
 
 } // namespace VLMProgressBarWidgetView

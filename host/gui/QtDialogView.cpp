@@ -4,6 +4,8 @@
 #include "host/dialogs/DialogText.h"
 #include "host/gui/TreeRowsModel.h"
 #include "host/runtime/MainLoop.h"
+#include "sdk/HostIdentifiers.h"
+#include "sdk/IWidgetView.h"
 
 #include <QAbstractButton>
 #include <QDialog>
@@ -13,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPainter>
 #include <QProgressBar>
 #include <QTreeView>
 #include <QUiLoader>
@@ -23,6 +26,50 @@
 namespace Galley {
 
 namespace {
+
+// The host's painter for a plug-in's widget view.
+class QtGraphicsPort : public IGraphicsPort {
+public:
+    explicit QtGraphicsPort(QPainter& painter) : painter_(painter) {}
+    void FillRect(const PMRect& rect, const RGBColor& colour) override {
+        painter_.fillRect(QRectF(rect.left, rect.top, rect.Width(), rect.Height()), toQt(colour));
+    }
+    void DrawText(const std::string& utf8, const PMRect& rect, const std::string& fontName, double pointSize,
+                  const RGBColor& colour) override {
+        QFont font(QString::fromStdString(fontName));
+        font.setPointSizeF(pointSize);
+        painter_.setFont(font);
+        painter_.setPen(toQt(colour));
+        painter_.drawText(QRectF(rect.left, rect.top, rect.Width(), rect.Height()), Qt::AlignCenter,
+                          QString::fromStdString(utf8));
+    }
+
+private:
+    static QColor toQt(const RGBColor& c) {
+        return QColor::fromRgbF(static_cast<float>(c.red), static_cast<float>(c.green), static_cast<float>(c.blue));
+    }
+    QPainter& painter_;
+};
+
+// Lets a plug-in's view draw the widget instead of Qt's style.
+class PluginPainted : public QObject {
+public:
+    PluginPainted(IWidgetView& view, Widget& model, QWidget* target) : QObject(target), view_(view), model_(model) {}
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::Paint)
+            return false;
+        auto* widget = static_cast<QWidget*>(watched);
+        QPainter painter(widget);
+        QtGraphicsPort port(painter);
+        view_.Draw(&port, PMRect{0, 0, static_cast<double>(widget->width()), static_cast<double>(widget->height())},
+                   &model_);
+        return true;
+    }
+
+private:
+    IWidgetView& view_;
+    Widget& model_;
+};
 
 // Closing the window by its frame cancels the dialog, as its Cancel button would.
 class DialogWindowFilter : public QObject {
@@ -116,6 +163,9 @@ void QtDialogView::bind(Widget& model, QWidget* view) {
                     widget->DeselectAll(true);
             });
         });
+    } else if (auto* bar = qobject_cast<QProgressBar*>(view)) {
+        if (auto* painter = dynamic_cast<IWidgetView*>(model.QueryAddIn(IID_IWIDGETVIEW)))
+            bar->installEventFilter(new PluginPainted(*painter, model, bar));
     } else if (auto* list = qobject_cast<QListWidget*>(view)) {
         QObject::connect(list, &QListWidget::currentRowChanged, this, [this, widget](int row) {
             if (!syncing_ && row >= 0)
@@ -153,6 +203,7 @@ void QtDialogView::syncOne(Widget& model, QWidget* view) {
     } else if (auto* bar = qobject_cast<QProgressBar*>(view)) {
         bar->setRange(model.GetMinimum(), model.GetMaximum());
         bar->setValue(model.GetValue());
+        bar->update();
     } else if (auto* tree = qobject_cast<QTreeView*>(view)) {
         TreeRowsModel* rows = trees_[&model];
         rows->reload();

@@ -162,15 +162,25 @@ TEST_F(Gui, ProgressDialogClosesItselfWhenTheFontArrivesAndTheHighlightGoes) {
     });
     std::vector<std::string> shown;
     int pinkBefore = -1;
+    QColor half, rest;
     presenter.onDialogOpened = [&](Galley::Dialog& dialog) {
         shown.push_back(dialog.title());
         pinkBefore = pinkRuns();
+        // The bar is drawn by the plug-in's view: filled in proportion to its value.
+        Galley::Widget* bar = dialog.root().findByName("progressBar");
+        bar->SetRange(0, 4);
+        bar->SetValue(2);
+        const QImage image = presenter.viewOf(dialog)->qtWidgetFor(*bar)->grab().toImage();
+        half = image.pixelColor(image.width() / 4, image.height() / 2);
+        rest = image.pixelColor(image.width() * 3 / 4, image.height() / 2);
     };
     const auto start = std::chrono::steady_clock::now();
     ASSERT_TRUE(openAndPlay());
     EXPECT_LT(std::chrono::steady_clock::now() - start, 2s) << "no wait for the refresh period";
     EXPECT_EQ(shown, std::vector<std::string>{"0x11f300kWaitingDialogTitleKey"});
     EXPECT_EQ(pinkBefore, 1) << "the heading's run, while the font was on its way";
+    EXPECT_EQ(half, QColor::fromRgbF(0.2f, 0.6f, 0.4f));
+    EXPECT_NE(rest, half);
     EXPECT_EQ(pinkRuns(), 0);
     EXPECT_EQ(runtime->frontDocument()->usage().GetMissingFontCount(), 0);
 }
