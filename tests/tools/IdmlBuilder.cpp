@@ -18,12 +18,25 @@ std::string storyPartName(std::size_t index) {
 }
 
 std::string escape(const std::string& text) {
-    static const std::map<char, std::string> entities{
-        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}};
     std::string out;
+    out.reserve(text.size());
     for (char c : text) {
-        auto entity = entities.find(c);
-        out += entity == entities.end() ? std::string(1, c) : entity->second;
+        switch (c) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '"':
+            out += "&quot;";
+            break;
+        default:
+            out += c;
+        }
     }
     return out;
 }
@@ -80,28 +93,37 @@ std::string rootName(const std::string& kind) {
     return kind == "Paragraph" ? "$ID/[No paragraph style]" : "$ID/[No character style]";
 }
 
+// The group of each grouped style, by name.
+using GroupOf = std::map<std::string, std::string>;
+
+GroupOf groupsOf(const std::vector<StyleDef>& styles) {
+    GroupOf groups;
+    for (const auto& style : styles) {
+        if (!style.group.empty())
+            groups.emplace(style.name, style.group);
+    }
+    return groups;
+}
+
 // The Self of a style, "ParagraphStyle/Group%3aName" inside a group.
-std::string styleSelf(const std::string& kind, const std::vector<StyleDef>& styles,
-                      const std::string& name) {
+std::string styleSelf(const std::string& kind, const GroupOf& groups, const std::string& name) {
     if (name.empty())
         return kind + "Style/" + rootName(kind);
-    for (const auto& style : styles) {
-        if (style.name == name && !style.group.empty())
-            return kind + "Style/" + style.group + "%3a" + name;
-    }
-    return kind + "Style/" + name;
+    auto group = groups.find(name);
+    return kind + "Style/" + (group == groups.end() ? name : group->second + "%3a" + name);
 }
 
 // One kind's styles: the root first, then the styles of the root group, then each group.
 std::string styleGroupXml(const std::string& kind, const FontAttrs& root,
                           const std::vector<StyleDef>& styles, const DocumentDef& d) {
+    const GroupOf groupOf = groupsOf(styles);
     auto styleXml = [&](const StyleDef& s) {
         std::string parent;
         if (!s.basedOn.empty())
-            parent = s.basedByName ? s.basedOn : styleSelf(kind, styles, s.basedOn);
+            parent = s.basedByName ? s.basedOn : styleSelf(kind, groupOf, s.basedOn);
         else if (kind == "Paragraph")
             parent = rootName(kind);
-        return element(kind + "Style", styleSelf(kind, styles, s.name), s.name, s.attrs, parent,
+        return element(kind + "Style", styleSelf(kind, groupOf, s.name), s.name, s.attrs, parent,
                        s.basedByName, d.exported);
     };
     std::string xml = element(kind + "Style", kind + "Style/" + rootName(kind), rootName(kind),
@@ -203,7 +225,7 @@ std::string rangeStart(const std::string& kind, const std::string& style, const 
                          : "<Properties>" + std::string(kRangeNoiseProperties) + properties.substr(12);
     const auto& styles = kind == "Paragraph" ? d.paragraphStyles : d.characterStyles;
     return "<" + kind + "StyleRange" +
-           attr("Applied" + kind + "Style", styleSelf(kind, styles, style)) + attributes +
+           attr("Applied" + kind + "Style", styleSelf(kind, groupsOf(styles), style)) + attributes +
            (d.exported ? kRangeNoise : "") + ">" + properties;
 }
 
