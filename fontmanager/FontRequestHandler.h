@@ -29,12 +29,13 @@ struct FontRequestContext {
     SystemFontsCache& systemFonts;
 };
 
-// Answers a "fontRequest" from the library and, unless the catalog's system-fonts setting is
-// off, the fonts fontconfig lists outside the activation folder (see SystemFonts.h): first activates what it may on its own (see AutoActivation.h)
-// for `application`, then one <font> per requested font with the counts, activity flags and
-// container identifiers of the matching faces, and one <fontInfo> per matching face (at
-// most maximumFacesListed). When that reply would pass maximumBytes, the <fontInfo> entries
-// are left out; when it still would, the reply is an "errorReply" saying so.
+// Answers a "fontRequest" from the library and, unless the catalog's system-fonts setting
+// is off, the fonts fontconfig lists outside the activation folder (see SystemFonts.h):
+// first activates what it may on its own (see AutoActivation.h) for `application`, then one
+// <font> per requested font with the counts, activity flags and container identifiers of
+// the matching faces, and one <fontInfo> per matching face (at most maximumFacesListed).
+// When that reply would pass maximumBytes, the <fontInfo> entries are left out; when it
+// still would, the reply is an "errorReply" saying so.
 std::string answerFontRequest(FontRequestContext& context, const Request& request,
                               const std::string& application, const std::string& protocolVersion);
 
