@@ -50,21 +50,18 @@ struct StoryWalk {
         const PMString newFace = replacement->GetStyleName();
         const UID newFamily = docFonts->GetFontFamilyUID(replacement);
 
-        auto familyAttribute = utils->CreateFontFamilyAttribute(newFamily);
-        if (!familyAttribute)
+        // Family first, then face, each as a command of its own.
+        const auto apply = [&](std::unique_ptr<ITextAttribute> attribute) {
+            if (!attribute)
+                return false;
+            auto command = utils->BuildApplyTextAttrCmd(model, start, end - start, *attribute);
+            if (!command)
+                return false;
+            CmdUtils::ProcessCommand(command.get());
+            return true;
+        };
+        if (!apply(utils->CreateFontFamilyAttribute(newFamily)) || !apply(utils->CreateFontFaceAttribute(newFace)))
             return false;
-        auto familyCommand = utils->BuildApplyTextAttrCmd(model, start, end - start, *familyAttribute);
-        if (!familyCommand)
-            return false;
-        CmdUtils::ProcessCommand(familyCommand.get());
-
-        auto faceAttribute = utils->CreateFontFaceAttribute(newFace);
-        if (!faceAttribute)
-            return false;
-        auto faceCommand = utils->BuildApplyTextAttrCmd(model, start, end - start, *faceAttribute);
-        if (!faceCommand)
-            return false;
-        CmdUtils::ProcessCommand(faceCommand.get());
         return true;
     }
 

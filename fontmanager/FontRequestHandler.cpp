@@ -82,10 +82,9 @@ std::string describeFace(const FaceRecord& face) {
     const std::string state = face.onSystem ? "installed on the system"
                               : face.active ? "active"
                                             : "inactive";
-    // A system face's file is named in full: it is not in vellumine's library to look up.
-    const std::string file = face.onSystem ? face.file.string() : face.file.filename().string();
-    return face.postScriptName + ", " + face.family + " " + face.style + ", " +
-           technologyName(face.type) + ", " + state + ", " + file;
+    // The file and its folder tell candidates apart (two copies of one face in two folders);
+    // the names and the technology are the font's, which the plug-in shows beside it.
+    return face.file.filename().string() + " in " + face.file.parent_path().string() + ", " + state;
 }
 
 const SystemFonts* currentSystemFonts(FontRequestContext& context) {

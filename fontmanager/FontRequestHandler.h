@@ -44,8 +44,8 @@ std::string answerFontRequest(FontRequestContext& context, const Request& reques
 // user has a choice to make.
 bool asksForChoice(const FontMatch& match);
 
-// "NimbusRoman-Regular, Nimbus Roman Regular, OpenType PostScript, inactive,
-// NimbusRoman-Regular.otf"; a system face is "installed on the system" with its full path.
+// "NimbusRoman-Regular.otf in /home/ann/fonts/urw, inactive"; a face fontconfig lists
+// outside vellumine's library ends in "installed on the system".
 std::string describeFace(const FaceRecord& face);
 
 // The system's fonts for one request, or none when the setting is off or fontconfig fails

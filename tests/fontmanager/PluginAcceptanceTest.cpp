@@ -60,7 +60,8 @@ TEST_F(PluginAcceptance, FontRequestRepliesMergeIntoTheRecords) {
     EXPECT_EQ(type1.typeMatchingContainerID, std::to_string(type1Faces.at(0).id));
     ASSERT_EQ(type1.fontInfo.size(), 2u);
     EXPECT_EQ(type1.fontInfo[1].first, std::to_string(type1Faces.at(1).id));
-    EXPECT_NE(type1.fontInfo[1].second.find("OpenType PostScript"), std::string::npos);
+    EXPECT_EQ(type1.fontInfo[1].second, type1Faces.at(1).file.filename().string() + " in " +
+                                            type1Faces.at(1).file.parent_path().string() + ", inactive");
 
     const Protocol::Font& otherType = request.fonts[1]->font;
     EXPECT_EQ(otherType.count, 1u);

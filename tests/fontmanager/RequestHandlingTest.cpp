@@ -209,7 +209,8 @@ TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
     const auto dejaVu = replyBlocks(dispatcher.answer(fontRequest({cases[0].font})))[1];
     const auto [first, last] = dejaVu.equal_range("description");
     EXPECT_TRUE(std::any_of(first, last, [](const auto& description) {
-        return description.second.ends_with("installed on the system, " + dejaVuSans.string());
+        return description.second == dejaVuSans.filename().string() + " in " + dejaVuSans.parent_path().string() +
+                                          ", installed on the system";
     }));
     // Installed since the last request, within the same second: the next request sees it.
     const std::string c059 = fontRequest({"<psName>C059-Roman</psName>\n<type>OT_T1</type>\n"});
