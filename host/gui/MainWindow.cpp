@@ -69,6 +69,7 @@ void MainWindow::openDocument(const QString& path) {
         setWindowTitle(QFileInfo(path).fileName() + " — Galley");
         (void)document;
         refreshDocument();
+        showStatus("Opened " + QFileInfo(path).fileName());
     } catch (const std::exception& error) {
         QMessageBox::warning(this, "Galley", QString::fromStdString(error.what()));
     }
