@@ -115,15 +115,15 @@ void printBatchUsage(std::ostream& out) {
            "  menu ACTION        invoke a plug-in's menu action (e.g. menu fonts, menu about)\n"
            "  wait               wait until no dialog is open\n"
            "  save-as PATH       save the document as a new IDML package\n"
-           "A dialog that needs a decision is cancelled when the actions are used up; every wait\n"
-           "ends after --timeout seconds (default 30), which cancels the dialogs in front.\n"
+           "A dialog that needs a decision is cancelled a second after the last action; every\n"
+           "wait ends after --timeout seconds (default 30), which cancels the dialogs in front.\n"
            "\n"
            "Exit status: 0 no font is missing at the end, 1 fonts remain missing, 2 an error\n"
            "(unreadable document, an action that cannot be played, a plug-in failure).\n"
            "\n"
            "Example: replace a missing font and save the result\n"
-           "  galley --batch brochure.idml select TeXGyreHeros-Bold press Replace \\\n"
-           "      pick \"DejaVu Sans Bold\" press OK press OK save-as brochure-fixed.idml\n";
+           "  galley --batch choice.idml select TeXGyrePagella-Regular press Replace… \\\n"
+           "      pick \"DejaVu Serif Book\" press OK press OK save-as choice-fixed.idml\n";
 }
 
 int runBatchCommand(const std::vector<std::string>& arguments, const std::string& executable) {
