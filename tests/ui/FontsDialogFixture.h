@@ -59,7 +59,7 @@ struct Faces : Galley::FaceSource {
             faces[n].families = {names[n][0]};
             faces[n].styles = {names[n][1]};
             faces[n].postscriptName = faces[n].file = faces[n].family() + "-" + faces[n].style();
-            // Beta Regular calls itself "Beta Book": it is listed by its PostScript name.
+            // Beta Regular calls itself "Beta Book": it is still found, and listed, by family and style.
             faces[n].fullName = n == 2 ? "Beta Book" : faces[n].family() + " " + faces[n].style();
         }
         return faces;

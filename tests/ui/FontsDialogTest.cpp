@@ -146,7 +146,7 @@ TEST_F(FontsDialog, ReplacingTwiceKeepsTheLaterChoiceAndCancellingMarksNothing) 
     select({0});
     choose(2);
     using Map = std::map<std::string, std::string>;
-    EXPECT_EQ(controller().replacements(), (Map{{"A", "Beta-Regular"}}));
+    EXPECT_EQ(controller().replacements(), (Map{{"A", "Beta Regular"}}));
     EXPECT_TRUE(press(kOKButtonWidgetID));
     EXPECT_FALSE(dialog->IsOpen());
 }

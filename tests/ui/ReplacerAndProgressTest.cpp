@@ -90,7 +90,7 @@ TEST_F(Replacer, ListSkipsFacesThatCannotBeHadAndStaysAlignedWithItsNames) {
 TEST_F(Replacer, OKLeavesTheChosenNameAndAFlagOnTheDialog) {
     struct Case { int select; bool doubleClick; const char* name; int32 flag; };
     for (const auto& [select, doubleClick, name, flag] :
-         {Case{-1, false, "", 0}, Case{1, true, "Alpha Bold", 1}, Case{2, true, "Beta-Regular", 1}, Case{2, false, "", 0}}) {
+         {Case{-1, false, "", 0}, Case{1, true, "Alpha Bold", 1}, Case{2, true, "Beta Regular", 1}, Case{2, false, "", 0}}) {
         Galley::Dialog& dialog = open(kReplacerDialogRsrcID);
         Galley::Widget& list = widget(dialog, kReplacerListBoxWidgetID);
         ASSERT_EQ(list.Length(), 3);
