@@ -10,40 +10,39 @@
 
 using Strings = std::vector<std::string>;
 
-TEST(TokenizeTest, KeepsEmptyTokensUnlessAskedToSkipThem) {
-    EXPECT_EQ(Tamrik::tokenize("a,,b", ",", false), (Strings{"a", "", "b"}));
-    EXPECT_EQ(Tamrik::tokenize("a,,b", ",", true), (Strings{"a", "b"}));
-    EXPECT_EQ(Tamrik::tokenize("a,", ",", false), (Strings{"a", ""}));
-    EXPECT_EQ(Tamrik::tokenize(",a", ",", false), (Strings{"", "a"}));
-    EXPECT_EQ(Tamrik::tokenize("", ",", false), (Strings{""}));
-    EXPECT_EQ(Tamrik::tokenize("", ",", true), (Strings{}));
-    EXPECT_EQ(Tamrik::tokenize(",,,", ",", true), (Strings{}));
-}
-
-TEST(TokenizeTest, AnyDelimiterCharacterSplits) {
-    EXPECT_EQ(Tamrik::tokenize("2.7;1", ".;", true), (Strings{"2", "7", "1"}));
-    EXPECT_EQ(Tamrik::tokenize("Times Roman", " ", true), (Strings{"Times", "Roman"}));
-    EXPECT_EQ(Tamrik::tokenize("  Times  ", " ", true), (Strings{"Times"}));
-    EXPECT_EQ(Tamrik::tokenize("abc", "", false), (Strings{"abc"}));
+TEST(TokenizeTest, SplitsOnAnyDelimiterKeepingEmptyTokensUnlessAskedToSkipThem) {
+    const struct {
+        const char* text;
+        const char* delimiters;
+        bool skipEmpty;
+        Strings tokens;
+    } rows[] = {{"a,,b", ",", false, {"a", "", "b"}},  {"a,,b", ",", true, {"a", "b"}},
+                {"a,", ",", false, {"a", ""}},         {",a", ",", false, {"", "a"}},
+                {"", ",", false, {""}},                {"", ",", true, {}},
+                {",,,", ",", true, {}},                {"2.7;1", ".;", true, {"2", "7", "1"}},
+                {"  Times  ", " ", true, {"Times"}},   {"abc", "", false, {"abc"}}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(Tamrik::tokenize(row.text, row.delimiters, row.skipEmpty), row.tokens)
+            << '"' << row.text << "\" by \"" << row.delimiters << '"';
+    }
 }
 
 TEST(NumberTextTest, PrintsPlainDecimalAndParsesTheFront) {
-    EXPECT_EQ(Tamrik::toString(42), "42");
     EXPECT_EQ(Tamrik::toString(-7), "-7");
     EXPECT_EQ(Tamrik::toString(4294967295ul), "4294967295");
     EXPECT_EQ(Tamrik::toString(5, 3), "  5");
-
+    const struct {
+        const char* text;
+        unsigned long value;
+        bool ok;
+    } rows[] = {{"12abc", 12, true}, {"  7", 7, true}, {"abc", 0, false}, {"", 0, false}};
+    for (const auto& row : rows) {
+        bool ok = !row.ok;
+        EXPECT_EQ(Tamrik::safeParse<unsigned long>(row.text, ok), row.value) << row.text;
+        EXPECT_EQ(ok, row.ok) << row.text;
+    }
     bool ok = false;
-    EXPECT_EQ(Tamrik::safeParse<unsigned long>("12abc", ok), 12u);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(Tamrik::safeParse<unsigned long>("  7", ok), 7u);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(Tamrik::safeParse<unsigned long>("abc", ok), 0u);
-    EXPECT_FALSE(ok);
-    EXPECT_EQ(Tamrik::safeParse<unsigned long>("", ok), 0u);
-    EXPECT_FALSE(ok);
     EXPECT_EQ(Tamrik::safeParse<int>("-3", ok), -3);
-    EXPECT_TRUE(ok);
 }
 
 namespace {
@@ -67,26 +66,27 @@ Utf8Result convert(const std::vector<Tamrik::UTF::UTF32>& points, std::size_t ro
 
 } // namespace
 
+// Too large a code point is replaced and conversion goes on; a surrogate or a full
+// buffer stops it before the offending character.
 TEST(ConvertUTFTest, EncodesEachLengthAndReportsProblems) {
     using namespace Tamrik::UTF;
-    const Utf8Result all = convert({0x41, 0xE9, 0x4E2D, 0x1F600}, 16);
-    EXPECT_EQ(all.result, conversionOK);
-    EXPECT_EQ(all.bytes, "A\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80");
-
-    const Utf8Result tooBig = convert({0x41, 0x110000, 0x42}, 16);
-    EXPECT_EQ(tooBig.result, sourceIllegal); // replaced and carried on
-    EXPECT_EQ(tooBig.bytes, "A\xEF\xBF\xBD"
-                            "B");
-
-    const Utf8Result surrogate = convert({0x41, 0xD800, 0x42}, 16);
-    EXPECT_EQ(surrogate.result, sourceIllegal);
-    EXPECT_EQ(surrogate.consumed, 1u); // stopped on the surrogate
-    EXPECT_EQ(surrogate.bytes, "A");
-
-    const Utf8Result full = convert({0x41, 0x4E2D}, 3); // 1 + 3 bytes do not fit in 3
-    EXPECT_EQ(full.result, targetExhausted);
-    EXPECT_EQ(full.consumed, 1u);
-    EXPECT_EQ(full.bytes, "A");
+    const struct {
+        std::vector<UTF32> points;
+        std::size_t room;
+        ConversionResult result;
+        std::string bytes;
+        std::size_t consumed;
+    } rows[] = {{{0x41, 0xE9, 0x4E2D, 0x1F600}, 16, conversionOK,
+                 "A\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80", 4},
+                {{0x41, 0x110000, 0x42}, 16, sourceIllegal, "A\xEF\xBF\xBD" "B", 3},
+                {{0x41, 0xD800, 0x42}, 16, sourceIllegal, "A", 1},
+                {{0x41, 0x4E2D}, 3, targetExhausted, "A", 1}};
+    for (const auto& row : rows) {
+        const Utf8Result converted = convert(row.points, row.room);
+        EXPECT_EQ(converted.result, row.result) << row.bytes;
+        EXPECT_EQ(converted.bytes, row.bytes);
+        EXPECT_EQ(converted.consumed, row.consumed) << row.bytes;
+    }
 }
 
 TEST(HostTextTest, ThousandCJKCharactersNeedOneBufferDoubling) {

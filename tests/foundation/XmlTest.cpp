@@ -45,15 +45,13 @@ TEST(XmlParserTest, FailedParsesRaiseTheDocumentedTexts) {
     // libxml2 gives up on an empty buffer without recording an error.
     EXPECT_EQ(parseFailure(""), "LibXml: Document not parsed successfully: unknown error "
                                 "message@libxmlparser:376");
-    const std::string commentOnly = parseFailure("<!-- only a comment -->");
-    EXPECT_EQ(commentOnly.rfind("LibXml: Document not parsed successfully: ", 0), 0u);
-    EXPECT_NE(commentOnly.find("@libxmlparser:374"), std::string::npos);
-    EXPECT_NE(parseFailure("<cmd>fontRequest</cmd><font>").find("@libxmlparser:374"),
-              std::string::npos);
     // An unescaped ampersand is exactly what the transport has to guard against.
-    EXPECT_NE(parseFailure("<a>Black & White</a>").find("not parsed successfully"),
-              std::string::npos);
-
+    for (const char* text : {"<!-- only a comment -->", "<cmd>fontRequest</cmd><font>",
+                             "<a>Black & White</a>"}) {
+        const std::string failure = parseFailure(text);
+        EXPECT_EQ(failure.rfind("LibXml: Document not parsed successfully: ", 0), 0u) << text;
+        EXPECT_NE(failure.find("@libxmlparser:374"), std::string::npos) << failure;
+    }
     SmartPointer<IXmlParser> parser = IXmlParser::getInstance("LibXmlParser");
     try {
         parser->parse("/nonexistent/reply.xml");
@@ -100,9 +98,7 @@ TEST(XmlParserTest, ChildrenIncludeTextAndTagHelpersSkipIt) {
     // Navigation hands out the same wrapper for the same node.
     EXPECT_EQ(root->getFirstChild(), children[0]);
     EXPECT_EQ(children[4]->getParent(), root);
-    EXPECT_TRUE(children[4]->hasParent());
     EXPECT_FALSE(root->hasParent());
-    EXPECT_FALSE(children[4]->hasNextNode());
     EXPECT_EQ(root->getContent(), "  x");
 }
 

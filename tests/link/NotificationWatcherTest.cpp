@@ -29,18 +29,13 @@ protected:
     BSDNotification::Daemon daemon;
 };
 
-TEST_F(Watcher, FirstCheckAfterRegistrationQueuesOneMessage) {
-    ASSERT_TRUE(daemon.addListener("a"));
-    ASSERT_TRUE(platform.notifications.waitForChecks(tokenOf("a"), 3));
-    EXPECT_EQ(drain("a"), 1);
-    EXPECT_FALSE(daemon.hasFired("unknown"));
-}
-
+// The first check after registration queues one message of its own.
 TEST_F(Watcher, PostsCountOncePerPollingPeriod) {
     ASSERT_TRUE(daemon.addListener("a"));
     const int token = tokenOf("a");
     waitForFreshCheck(token);
     ASSERT_EQ(drain("a"), 1);
+    EXPECT_FALSE(daemon.hasFired("unknown"));
 
     platform.notifications.holdChecks();
     for (int i = 0; i < 3; ++i) {

@@ -93,12 +93,10 @@ TEST_F(ReplyParsing, FirstReplyFontAnswersEveryRecordOfItsSyncID) {
                        "<showWindow>true</showWindow>"})); // read as a number: false
     VLM::VLMFontRequestEvent event;
     ASSERT_TRUE(send(event, {first, twin, unanswered}));
-    EXPECT_EQ(first->font.count, 1u);
-    EXPECT_EQ(twin->font.count, 1u);
-    EXPECT_FALSE(first->hasTypeMatching);
-    EXPECT_EQ(unanswered->font.type, 1);
-    EXPECT_EQ(unanswered->font.count, 0u);
-    EXPECT_TRUE(unanswered->hasTypeMatching);
+    EXPECT_EQ(std::tie(first->font.count, twin->font.count, first->hasTypeMatching),
+              std::make_tuple(1u, 1u, false));
+    EXPECT_EQ(std::tie(unanswered->font.type, unanswered->font.count, unanswered->hasTypeMatching),
+              std::make_tuple(1, 0u, true));
     EXPECT_FALSE(event.showWindow);
 }
 
@@ -170,12 +168,10 @@ TEST_F(ReplyParsing, ShowReplyCorrectsTypeAndCountByPostScriptName) {
                        "<font><psName>Nobody</psName><count>8</count></font>"}));
     VLM::VLMFontInfoEvent event;
     EXPECT_FALSE(send(event, {record, twin, other}));
-    EXPECT_EQ(record->font.type, 3);
-    EXPECT_EQ(record->font.count, 5u);
-    EXPECT_EQ(twin->font.type, 0);
-    EXPECT_EQ(twin->font.count, 0u);
-    EXPECT_EQ(other->font.type, 4);
-    EXPECT_EQ(other->font.count, 0u);
+    const auto typeAndCount = [](const auto& f) { return std::pair(f->font.type, f->font.count); };
+    EXPECT_EQ(typeAndCount(record), std::pair(3, 5u));
+    EXPECT_EQ(typeAndCount(twin), std::pair(0, 0u));
+    EXPECT_EQ(typeAndCount(other), std::pair(4, 0u));
 }
 
 } // namespace
