@@ -62,7 +62,7 @@ TEST(ThreadTest, StartJoinAndRestartReportResults) {
     EXPECT_TRUE(worker.join());
 }
 
-TEST(ThreadTest, DestroyCancelsARunningThreadAndRefusesANeverStartedOne) {
+TEST(ThreadTest, DestroyCancelsRunningThreadsAndRefusesUnstartedOnesJoinRefusesDetachedOnes) {
     Worker never(1);
     EXPECT_FALSE(never.destroy());
 
@@ -73,13 +73,11 @@ TEST(ThreadTest, DestroyCancelsARunningThreadAndRefusesANeverStartedOne) {
     EXPECT_FALSE(running.isCreated());
     EXPECT_FALSE(running.isRunning());
     EXPECT_NE(running.getResult(), 7);
-}
 
-TEST(ThreadTest, DetachedThreadsCannotBeJoined) {
-    Worker worker(3);
-    ASSERT_TRUE(worker.start(true, -1));
-    EXPECT_FALSE(worker.join());
-    worker.waitUntilStarted();
+    Worker detached(3);
+    ASSERT_TRUE(detached.start(true, -1));
+    EXPECT_FALSE(detached.join());
+    detached.waitUntilStarted();
 }
 
 TEST(ThreadTest, SleepLastsItsWholeTimeThroughSignals) {
