@@ -2,6 +2,7 @@
 #include "foundation/IXmlParser.h"
 
 #include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
@@ -52,13 +53,9 @@ TEST(XmlParserTest, FailedParsesRaiseTheDocumentedTexts) {
         EXPECT_NE(failure.find("@libxmlparser:374"), std::string::npos) << failure;
     }
     SmartPointer<IXmlParser> parser = IXmlParser::getInstance("LibXmlParser");
-    try {
-        parser->parse("/nonexistent/reply.xml");
-        FAIL() << "a missing file parsed";
-    } catch (const Tamrik::Exception& error) {
-        EXPECT_EQ(error.getLine(), 353u);
-        EXPECT_EQ(error.getFile(), "libxmlparser");
-    }
+    EXPECT_THAT([&] { parser->parse("/nonexistent/reply.xml"); },
+                testing::ThrowsMessage<Tamrik::Exception>(
+                    testing::StartsWith("Exception in file 'libxmlparser' at line 353")));
     EXPECT_EQ(parser->getRootNode(), nullptr); // a failed read leaves the parser empty
 }
 

@@ -3,6 +3,7 @@
 #include "link/FontInfo.h"
 
 #include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace {
 
@@ -36,14 +37,10 @@ TEST(FontRecord, LenientConverterTakesEveryTextStrictOneRaises) {
         EXPECT_EQ(VLMFontInfo::typeStringToEnum(text), 4) << text;
     }
     EXPECT_EQ(Protocol::Font::stringToType("all"), 4);
-    try {
-        Protocol::Font::stringToType("ot_tt");
-        FAIL() << "lower-case type accepted";
-    } catch (const Tamrik::Exception& error) {
-        EXPECT_EQ(error.getUserMessage(), "could not parse <font><type>ot_tt</type>...");
-        EXPECT_EQ(error.getFile(), "protocol");
-        EXPECT_EQ(error.getLine(), 69u);
-    }
+    EXPECT_THAT([] { Protocol::Font::stringToType("ot_tt"); },
+                testing::ThrowsMessage<Tamrik::Exception>(
+                    testing::StrEq("Exception in file 'protocol' at line 69\n    User Message : "
+                                   "could not parse <font><type>ot_tt</type>...")));
 }
 
 TEST(HandlerHelpers, OnlyTheExactWordTrueIsTrue) {

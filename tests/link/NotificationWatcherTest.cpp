@@ -3,6 +3,8 @@
 #include "link/MacVLMNotifyHandler.h"
 #include "link/NotificationDaemon.h"
 
+#include <gmock/gmock.h>
+
 #include <stdexcept>
 
 namespace {
@@ -84,12 +86,9 @@ TEST_F(Watcher, ReplacingEndsTheOldReaderAndRemovingCancelsTheRegistration) {
 
 TEST_F(Watcher, RegistrationFailureRaisesAndWatchesNothing) {
     platform.notifications.failRegistrations(true);
-    try {
-        daemon.addListener("a");
-        FAIL() << "registration failure not reported";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "token could not be registered");
-    }
+    EXPECT_THAT([this] { daemon.addListener("a"); },
+                testing::ThrowsMessage<std::runtime_error>(
+                    testing::StrEq("token could not be registered")));
     EXPECT_EQ(daemon.watchedCount(), 0u);
 }
 
