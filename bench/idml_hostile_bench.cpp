@@ -122,8 +122,9 @@ int main(int argc, char** argv) {
     }
     static const auto cases = IdmlTestKit::hostileCases();
     for (const auto& hostile : cases)
-        benchmark::RegisterBenchmark(("BM_Report/" + hostile.name).c_str(),
-                                     [&hostile](benchmark::State& state) { measure(state, hostile); })
+        benchmark::RegisterBenchmark(
+            ("BM_Report/" + hostile.name).c_str(),
+            [&hostile](benchmark::State& state) { measure(state, hostile); })
             ->Iterations(1)
             ->UseRealTime()
             ->Unit(benchmark::kMillisecond);

@@ -27,8 +27,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 
@@ -66,7 +66,8 @@ int run(const std::vector<std::string>& arguments) {
 }
 
 std::string fontEntry(const Vellumine::FaceRecord& face) {
-    return "font \"" + face.family + "\" \"" + face.style + "\" " + face.postScriptName + " OpenTypeCFF\n";
+    return "font \"" + face.family + "\" \"" + face.style + "\" " + face.postScriptName +
+           " OpenTypeCFF\n";
 }
 
 bool startWorld() {
@@ -74,36 +75,43 @@ bool startWorld() {
     if (!world->session.ok())
         return false;
     const std::string root = world->session.root();
-    std::ofstream(root + "/fonts.conf") << "<?xml version=\"1.0\"?>\n<fontconfig><dir>/usr/share/fonts/truetype/dejavu</dir><dir>"
-                                        << world->session.dataHome() << "/fonts</dir><cachedir>" << root
-                                        << "/fc-cache</cachedir></fontconfig>\n";
+    std::ofstream(root + "/fonts.conf")
+        << "<?xml version=\"1.0\"?>\n<fontconfig><dir>/usr/share/fonts/truetype/dejavu</dir><dir>"
+        << world->session.dataHome() << "/fonts</dir><cachedir>" << root
+        << "/fc-cache</cachedir></fontconfig>\n";
     setenv("FONTCONFIG_FILE", (root + "/fonts.conf").c_str(), 1);
     std::filesystem::create_directories(world->session.dataHome() + "/fonts");
 
     Vellumine::Catalog catalog(Vellumine::LibraryPaths::fromEnvironment().catalogFile());
     Vellumine::FaceReader reader;
     Vellumine::LibraryImporter(catalog, reader)
-        .add({"/usr/share/fonts/opentype/urw-base35", "/usr/share/texmf/fonts/opentype/public/tex-gyre"});
-    std::string description = "pstyle Body font=\"DejaVu Sans\" style=Book\nfont \"DejaVu Sans\" Book DejaVuSans TrueType\n";
+        .add({"/usr/share/fonts/opentype/urw-base35",
+              "/usr/share/texmf/fonts/opentype/public/tex-gyre"});
+    std::string description = "pstyle Body font=\"DejaVu Sans\" style=Book\nfont \"DejaVu Sans\" "
+                              "Book DejaVuSans TrueType\n";
     std::string story = "story\npara pstyle=Body\n";
     int fonts = 0;
     for (const auto& face : catalog.allFaces()) {
         if (fonts == kFonts || face.postScriptName.empty())
             continue;
         description += fontEntry(face);
-        story += "run font=\"" + face.family + "\" style=\"" + face.style + "\" text=\"" + face.postScriptName + " \"\n";
+        story += "run font=\"" + face.family + "\" style=\"" + face.style + "\" text=\"" +
+                 face.postScriptName + " \"\n";
         if (fonts == 0)
-            world->oneFontRequest = "<cmd>fontRequest</cmd>\n<protocolVersion>1.00</protocolVersion>\n"
-                                    "<targetApp>InDn</targetApp>\n<font>\n<syncID>1</syncID>\n<psName>" +
-                                    face.postScriptName + "</psName>\n<type>OT_T1</type>\n</font>\n</cmd>\n";
+            world->oneFontRequest =
+                "<cmd>fontRequest</cmd>\n<protocolVersion>1.00</protocolVersion>\n"
+                "<targetApp>InDn</targetApp>\n<font>\n<syncID>1</syncID>\n<psName>" +
+                face.postScriptName + "</psName>\n<type>OT_T1</type>\n</font>\n</cmd>\n";
         ++fonts;
     }
     world->document = root + "/fifty.idml";
     IdmlTestKit::writeIdml(IdmlTestKit::parseDescription(description + story), world->document);
     world->session.spawn({VELLUMINE_EXECUTABLE, "serve"});
     int status = 0;
-    world->bus = Platform::Linux::DBusAppEvents::openAddress(world->session.busAddress(), "", status);
-    return world->bus && VlmTest::waitFor([] { return world->bus->hasOwner("org.vellumine.Vellumine"); });
+    world->bus =
+        Platform::Linux::DBusAppEvents::openAddress(world->session.busAddress(), "", status);
+    return world->bus &&
+           VlmTest::waitFor([] { return world->bus->hasOwner("org.vellumine.Vellumine"); });
 }
 
 double medianOf(std::vector<double> values) {
@@ -121,7 +129,8 @@ void MainRoad(benchmark::State& state) {
         const auto start = std::chrono::steady_clock::now();
         std::string reply;
         world->bus->send("org.vellumine.Vellumine", {"VLMQ", "****", world->oneFontRequest}, reply);
-        roundTrips.push_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        roundTrips.push_back(
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
     std::vector<double> roads;
     for (auto _ : state) {
@@ -130,7 +139,8 @@ void MainRoad(benchmark::State& state) {
         state.ResumeTiming();
         const auto start = std::chrono::steady_clock::now();
         const int status = run({GALLEY_EXECUTABLE, "--batch", world->document, "--timeout", "20"});
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const double seconds =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         state.SetIterationTime(seconds);
         roads.push_back(seconds);
         if (status != 0)

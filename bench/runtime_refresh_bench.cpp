@@ -38,15 +38,18 @@ struct World {
         std::string pattern = "/tmp/galley-refresh-XXXXXX";
         root = ::mkdtemp(pattern.data());
         fs::create_directories(root + "/fonts");
-        std::ofstream(root + "/fonts.conf") << "<?xml version=\"1.0\"?>\n<fontconfig><dir>" << root
-                                            << "/fonts</dir><cachedir>" << root << "/cache</cachedir></fontconfig>\n";
+        std::ofstream(root + "/fonts.conf")
+            << "<?xml version=\"1.0\"?>\n<fontconfig><dir>" << root << "/fonts</dir><cachedir>"
+            << root << "/cache</cachedir></fontconfig>\n";
         ::setenv("FONTCONFIG_FILE", (root + "/fonts.conf").c_str(), 1);
     }
     ~World() { fs::remove_all(root); }
 };
 
 struct Silent : Galley::Presenter {
-    int16 alert(IAlertPresenter::Kind, const std::string&, const std::string[3], int16 b) override { return b; }
+    int16 alert(IAlertPresenter::Kind, const std::string&, const std::string[3], int16 b) override {
+        return b;
+    }
 };
 
 double cpuSeconds() {
@@ -83,12 +86,18 @@ void refreshLoop(benchmark::State& state, bool withWatch) {
     state.counters["cpu_per_wall"] = cpu / wall;
 }
 
-void RefreshLoop_Spinning(benchmark::State& state) { refreshLoop(state, false); }
-void RefreshLoop_WaitingOnTheWatch(benchmark::State& state) { refreshLoop(state, true); }
+void RefreshLoop_Spinning(benchmark::State& state) {
+    refreshLoop(state, false);
+}
+void RefreshLoop_WaitingOnTheWatch(benchmark::State& state) {
+    refreshLoop(state, true);
+}
 
 struct Announced : IObserver {
     bool heard = false;
-    void Update(ClassID change, ISubject*, PMIID, void*) override { heard = heard || change == kFontSystemChangedMessage; }
+    void Update(ClassID change, ISubject*, PMIID, void*) override {
+        heard = heard || change == kFontSystemChangedMessage;
+    }
 };
 
 void FontArrival(benchmark::State& state) {
@@ -108,10 +117,12 @@ void FontArrival(benchmark::State& state) {
         const auto start = std::chrono::steady_clock::now();
         fs::create_symlink(sampleFont, link);
         runtime.loop().runUntil([&] { return observer.heard; }, start + std::chrono::seconds(5));
-        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        state.SetIterationTime(
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
         state.PauseTiming();
         fs::remove(link);
-        runtime.loop().runUntil([&] { return false; }, std::chrono::steady_clock::now() + std::chrono::milliseconds(30));
+        runtime.loop().runUntil([&] { return false; },
+                                std::chrono::steady_clock::now() + std::chrono::milliseconds(30));
         state.ResumeTiming();
         if (!observer.heard)
             state.SkipWithError("the change was never announced");
@@ -122,8 +133,15 @@ void FontArrival(benchmark::State& state) {
 } // namespace
 
 BENCHMARK(RefreshLoop_Spinning)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
-BENCHMARK(RefreshLoop_WaitingOnTheWatch)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
-BENCHMARK(FontArrival)->Unit(benchmark::kMillisecond)->Iterations(20)->UseManualTime()
-    ->Repetitions(3)->ReportAggregatesOnly(true);
+BENCHMARK(RefreshLoop_WaitingOnTheWatch)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2)
+    ->UseRealTime();
+BENCHMARK(FontArrival)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(20)
+    ->UseManualTime()
+    ->Repetitions(3)
+    ->ReportAggregatesOnly(true);
 
 BENCHMARK_MAIN();

@@ -79,9 +79,9 @@ void DocumentResponder::Respond(ISignalMgr* signalMgr) {
             suite->currentDocument = document;
             const int missing = suite->getNumMissingFonts(fonts, true);
             const int notInstalled = suite->getNumFontsNotInstalled(fonts);
-            Logger::log("DocWatch-Respond", "showWindow " + std::to_string(showWindow) + ", missing " +
-                                                std::to_string(missing) + ", not installed " +
-                                                std::to_string(notInstalled));
+            Logger::log("DocWatch-Respond", "showWindow " + std::to_string(showWindow) +
+                                                ", missing " + std::to_string(missing) +
+                                                ", not installed " + std::to_string(notInstalled));
             if (!showFontsDialog(showWindow, missing, notInstalled))
                 return;
             if (observer)

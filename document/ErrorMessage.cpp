@@ -6,8 +6,8 @@
 namespace VLM {
 
 void showErrorMessage(std::string text) {
-    CAlert::ModalAlert(PMString(text, PMString::kDontTranslateDuringCall), PMString("OK"), PMString(),
-                       PMString(), kOKButton, kCautionIcon);
+    CAlert::ModalAlert(PMString(text, PMString::kDontTranslateDuringCall), PMString("OK"),
+                       PMString(), PMString(), kOKButton, kCautionIcon);
 }
 
 } // namespace VLM

@@ -15,5 +15,4 @@ public:
     void AutoDetach() override;
 };
 
-
 } // namespace VLM

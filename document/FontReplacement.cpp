@@ -37,12 +37,14 @@ struct StoryWalk {
 
     // False when an attribute or a command could not be made: the story's walk ends there.
     bool replaceRun(ITextModel* model, IComposeScanner* scanner, TextIndex start, TextIndex end) {
-        const ITextAttrUID* family = scanner ? scanner->QueryFontFamilyAttribute(start, end) : nullptr;
+        const ITextAttrUID* family =
+            scanner ? scanner->QueryFontFamilyAttribute(start, end) : nullptr;
         const ITextAttrFont* face = scanner ? scanner->QueryFontFaceAttribute(start, end) : nullptr;
         if (!family || !face)
             return true; // a run without both attributes is passed over
         IFontFamily* fontFamily = database->InstantiateFontFamily(family->GetUIDData());
-        if (!fontFamily || Helpers::toString(fontFamily->GetFacePostScriptName(face->GetFontName())) != from)
+        if (!fontFamily ||
+            Helpers::toString(fontFamily->GetFacePostScriptName(face->GetFontName())) != from)
             return true;
         IPMFont* replacement = fonts->QueryFont(PMString(to));
         if (!replacement)
@@ -60,7 +62,8 @@ struct StoryWalk {
             CmdUtils::ProcessCommand(command.get());
             return true;
         };
-        if (!apply(utils->CreateFontFamilyAttribute(newFamily)) || !apply(utils->CreateFontFaceAttribute(newFace)))
+        if (!apply(utils->CreateFontFamilyAttribute(newFamily)) ||
+            !apply(utils->CreateFontFaceAttribute(newFace)))
             return false;
         return true;
     }
@@ -96,7 +99,8 @@ void IDFontSuite::replaceFont(IDocument* document, std::string fromPsName, std::
     ITextAttrUtils* utils = gSession->GetTextAttrUtils();
     if (!docFonts || !stories || !utils || !document->GetDataBase())
         return;
-    StoryWalk walk{document, document->GetDataBase(), docFonts, fonts, utils, fromPsName, toFontName};
+    StoryWalk walk{document,  document->GetDataBase(), docFonts, fonts, utils, fromPsName,
+                   toFontName};
     for (int32 n = 0; n < stories->GetTextModelCount(); ++n)
         walk.story(stories->GetNthTextModelUID(n));
 }

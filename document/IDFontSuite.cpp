@@ -109,11 +109,21 @@ void IDFontSuite::applyFontType(const Tamrik::SmartPointer<VLMFontInfo>& font,
         return;
     }
     switch (hostType) {
-    case IPMFont::kType1: font->font.type = isOpenTypeFlavour ? 2 : 0; break;
-    case IPMFont::kTrueType: font->font.type = isOpenTypeFlavour ? 3 : 1; break;
-    case IPMFont::kOpenTypeCFF: font->font.type = 2; break;
-    case IPMFont::kOpenTypeTT: font->font.type = 3; break;
-    default: font->font.type = 4; break;
+    case IPMFont::kType1:
+        font->font.type = isOpenTypeFlavour ? 2 : 0;
+        break;
+    case IPMFont::kTrueType:
+        font->font.type = isOpenTypeFlavour ? 3 : 1;
+        break;
+    case IPMFont::kOpenTypeCFF:
+        font->font.type = 2;
+        break;
+    case IPMFont::kOpenTypeTT:
+        font->font.type = 3;
+        break;
+    default:
+        font->font.type = 4;
+        break;
     }
 }
 
@@ -185,7 +195,8 @@ int IDFontSuite::getNumFontsNotInstalled(const FontVector& fonts) {
     return notInstalled;
 }
 
-IDFontSuite::FontVector IDFontSuite::getMissingFonts(const FontVector& fonts, bool strictTypeMatching) {
+IDFontSuite::FontVector IDFontSuite::getMissingFonts(const FontVector& fonts,
+                                                     bool strictTypeMatching) {
     FontVector missing;
     for (const auto& font : fonts) {
         font->selectedContainerID = "-1"; // every record, missing or not

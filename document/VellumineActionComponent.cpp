@@ -10,15 +10,20 @@ namespace VLM {
 
 void VellumineActionComponent::DoAction(IActiveContext*, ActionID action, Point, IPMUnknown*) {
     switch (action) {
-    case kVellumineAboutActionID: DoAbout(); break;
-    case kVellumineDialogActionID: DoDialog(); break;
-    default: break;
+    case kVellumineAboutActionID:
+        DoAbout();
+        break;
+    case kVellumineDialogActionID:
+        DoDialog();
+        break;
+    default:
+        break;
     }
 }
 
 void VellumineActionComponent::DoAbout() {
-    CAlert::ModalAlert(PMString(kVellumineAboutBoxStringKey), PMString("OK"), PMString(), PMString(),
-                       kOKButton, kCautionIcon);
+    CAlert::ModalAlert(PMString(kVellumineAboutBoxStringKey), PMString("OK"), PMString(),
+                       PMString(), kOKButton, kCautionIcon);
 }
 
 void VellumineActionComponent::DoDialog() {
@@ -26,9 +31,10 @@ void VellumineActionComponent::DoDialog() {
     IDialogMgr* dialogs = application ? application->GetDialogMgr() : nullptr;
     if (!dialogs)
         return;
-    IDialog* dialog = dialogs->CreateNewDialog(
-        RsrcSpec(MLocaleSetting::GetLocale(), kVelluminePrefix, kViewRsrcType, kVellumineDialogRsrcID),
-        IDialog::kMovableModal);
+    IDialog* dialog =
+        dialogs->CreateNewDialog(RsrcSpec(MLocaleSetting::GetLocale(), kVelluminePrefix,
+                                          kViewRsrcType, kVellumineDialogRsrcID),
+                                 IDialog::kMovableModal);
     if (dialog)
         dialog->Open(nullptr);
 }

@@ -7,7 +7,8 @@ namespace VLM {
 // The plug-in's two menu entries: About, and the fonts dialog.
 class VellumineActionComponent : public CActionComponent {
 public:
-    void DoAction(IActiveContext* context, ActionID action, Point where, IPMUnknown* widget) override;
+    void DoAction(IActiveContext* context, ActionID action, Point where,
+                  IPMUnknown* widget) override;
 
 private:
     void DoAbout();

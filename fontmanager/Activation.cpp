@@ -101,12 +101,12 @@ bool Activation::stillHolds(const FaceRecord& face, std::string& problem) const 
         return false;
     }
     const FontFileReading reading = reader.read(face.file);
-    const bool holds = std::any_of(
-        reading.faces.begin(), reading.faces.end(), [&](const FaceDescription& description) {
-            return description.faceIndex == face.faceIndex &&
-                   description.postScriptName == face.postScriptName &&
-                   description.type == face.type;
-        });
+    const bool holds = std::any_of(reading.faces.begin(), reading.faces.end(),
+                                   [&](const FaceDescription& description) {
+                                       return description.faceIndex == face.faceIndex &&
+                                              description.postScriptName == face.postScriptName &&
+                                              description.type == face.type;
+                                   });
     if (!holds) {
         problem = face.file.string() + " no longer holds this face (changed since it was " +
                   "added; add it again)";

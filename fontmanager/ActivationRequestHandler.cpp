@@ -22,8 +22,7 @@ ActivationResult activateNamed(Activation& activation, const RequestFont& font) 
 } // namespace
 
 std::string answerActivationRequest(Activation& activation, LibraryChanges& changes,
-                                    const Request& request,
-                                    const std::string& protocolVersion) {
+                                    const Request& request, const std::string& protocolVersion) {
     ReplyWriter reply("activationReply", protocolVersion);
     bool changed = false;
     // Each activation is a transaction of its own (font files are read outside of them).

@@ -13,7 +13,6 @@ namespace Vellumine {
 // reports per font its containerID and "activationSuccessfull". Only identifiers are taken
 // from the request; the files linked are those the catalog holds for them.
 std::string answerActivationRequest(Activation& activation, LibraryChanges& changes,
-                                    const Request& request,
-                                    const std::string& protocolVersion);
+                                    const Request& request, const std::string& protocolVersion);
 
 } // namespace Vellumine

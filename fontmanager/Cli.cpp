@@ -141,8 +141,7 @@ int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& err
         }
         out << face.id << "\t" << wireText(face.type) << "\t"
             << (face.active ? "active" : "inactive") << "\t" << field(face.postScriptName) << "\t"
-            << field(face.family) << "\t" << field(face.style) << "\t"
-            << field(face.file.string())
+            << field(face.family) << "\t" << field(face.style) << "\t" << field(face.file.string())
             << (face.faceIndex > 0 ? "#" + std::to_string(face.faceIndex) : "") << "\n";
     }
     return 0;
@@ -246,8 +245,8 @@ void printAutomaticActivations(Catalog& catalog, std::ostream& out) {
     out << "activated automatically" << (links.empty() ? ": none\n" : ":\n");
     for (const auto& link : links) {
         const auto face = catalog.face(link.faceId);
-        out << "  " << link.faceId << "\t" << (face ? field(face->postScriptName) : "?")
-            << "\tfor " << field(link.autoFor) << "\n";
+        out << "  " << link.faceId << "\t" << (face ? field(face->postScriptName) : "?") << "\tfor "
+            << field(link.autoFor) << "\n";
     }
 }
 
@@ -290,8 +289,8 @@ int checkCommand(const Arguments& arguments, std::ostream& out, std::ostream& er
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    const auto catalog = repair ? openForWriting(paths, errors)
-                                : Catalog::openForReading(paths.catalogFile());
+    const auto catalog =
+        repair ? openForWriting(paths, errors) : Catalog::openForReading(paths.catalogFile());
     const LibraryCheckReport report = checkLibrary(*catalog, paths.activationFolder(), repair);
     for (const auto& problem : report.problems) {
         out << "problem: " << field(problem) << "\n";

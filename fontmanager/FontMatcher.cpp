@@ -52,8 +52,8 @@ bool namedAs(const SystemFace& face, const std::string& family, const std::strin
 }
 
 const FaceRecord* firstActive(const std::vector<const FaceRecord*>& faces) {
-    const auto active =
-        std::find_if(faces.begin(), faces.end(), [](const FaceRecord* face) { return face->active; });
+    const auto active = std::find_if(faces.begin(), faces.end(),
+                                     [](const FaceRecord* face) { return face->active; });
     return active != faces.end() ? *active : nullptr;
 }
 
@@ -138,20 +138,19 @@ void FontMatcher::addSystemFaces(const RequestFont& font, FontMatch& match) cons
 const FontMatch& FontMatcher::match(const RequestFont& font) {
     // The key names what the faces were found by, so that fonts differing only in what
     // was not used share one match.
-    const bool byName = !font.psName.empty() &&
-                        (!byPostScriptName(font.psName).empty() || font.familyName.empty());
+    const bool byName =
+        !font.psName.empty() && (!byPostScriptName(font.psName).empty() || font.familyName.empty());
     // The system's fonts are looked up by the requested PostScript name whenever there is one.
-    const std::string key =
-        (byName ? "name\n" + font.psName + "\n" + font.type
-                : "family\n" + lowercase(font.familyName) + "\n" + lowercase(font.styleName) +
-                      "\n" + font.type) +
-        (system != nullptr && !byName ? "\n" + font.psName : "");
+    const std::string key = (byName ? "name\n" + font.psName + "\n" + font.type
+                                    : "family\n" + lowercase(font.familyName) + "\n" +
+                                          lowercase(font.styleName) + "\n" + font.type) +
+                            (system != nullptr && !byName ? "\n" + font.psName : "");
     auto found = matches.find(key);
     if (found != matches.end()) {
         return found->second;
     }
     static const std::vector<FaceRecord> none;
-    const auto& candidates = byName                      ? byPostScriptName(font.psName)
+    const auto& candidates = byName                    ? byPostScriptName(font.psName)
                              : font.familyName.empty() ? none
                                                        : byFamily(font.familyName);
     FontMatch match = makeMatch(font, candidates, !byName);

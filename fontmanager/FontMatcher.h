@@ -15,7 +15,7 @@ namespace Vellumine {
 // has none of the requested type active. The faces belong to the FontMatcher that made the
 // match (or to its SystemFonts) and live as long as it does.
 struct FontMatch {
-    std::optional<FaceType> requestedType;      // none for "all", empty or unknown types
+    std::optional<FaceType> requestedType; // none for "all", empty or unknown types
     std::vector<const FaceRecord*> faces; // every matching face, by container id, the system's last
     std::vector<const FaceRecord*> typeMatching; // those of the requested type (all without one)
 

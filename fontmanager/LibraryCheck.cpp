@@ -25,15 +25,15 @@ bool isOwnLink(Catalog& catalog, const std::filesystem::path& link) {
     const std::filesystem::path target = linkTarget(link);
     const std::string name = link.filename().string();
     const auto dash = name.find('-');
-    const auto id = dash == std::string::npos ? std::nullopt
-                                              : parseContainerID(name.substr(0, dash));
+    const auto id =
+        dash == std::string::npos ? std::nullopt : parseContainerID(name.substr(0, dash));
     if (target.empty() || !id) {
         return false;
     }
     const auto face = catalog.face(*id);
-    return face && ((target == face->file && name == Activation::linkName(*id, face->file)) ||
-                    (target == face->metricsFile &&
-                     name == Activation::linkName(*id, face->metricsFile)));
+    return face &&
+           ((target == face->file && name == Activation::linkName(*id, face->file)) ||
+            (target == face->metricsFile && name == Activation::linkName(*id, face->metricsFile)));
 }
 
 void checkRecordedLinks(Catalog& catalog, bool repair, LibraryCheckReport& report) {
@@ -46,8 +46,7 @@ void checkRecordedLinks(Catalog& catalog, bool repair, LibraryCheckReport& repor
                                   " is gone or points elsewhere");
         if (repair) {
             catalog.removeLink(link.faceId);
-            report.repairs.push_back("face " + std::to_string(link.faceId) +
-                                     " recorded inactive");
+            report.repairs.push_back("face " + std::to_string(link.faceId) + " recorded inactive");
         }
     }
 }
@@ -60,8 +59,8 @@ void checkFolder(Catalog& catalog, const std::filesystem::path& folder, bool rep
         recorded.insert(link.metricsLink);
     }
     std::error_code error;
-    for (std::filesystem::directory_iterator entries(folder, error), end;
-         !error && entries != end; entries.increment(error)) {
+    for (std::filesystem::directory_iterator entries(folder, error), end; !error && entries != end;
+         entries.increment(error)) {
         const auto path = entries->path();
         if (recorded.count(path) != 0 || !isOwnLink(catalog, path)) {
             continue;
@@ -86,8 +85,8 @@ void check(Catalog& catalog, const std::filesystem::path& folder, bool repair,
         }
     }
     for (const auto& [id, type] : catalog.facesOfUnknownType()) {
-        report.problems.push_back("face " + std::to_string(id) + " has the unknown type '" +
-                                  type + "' and is left out of listings");
+        report.problems.push_back("face " + std::to_string(id) + " has the unknown type '" + type +
+                                  "' and is left out of listings");
     }
     checkRecordedLinks(catalog, repair, report);
     checkFolder(catalog, folder, repair, report);

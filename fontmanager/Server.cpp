@@ -15,8 +15,8 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <cstdlib>
+#include <cstring>
 #include <poll.h>
 #include <systemd/sd-bus.h>
 #include <thread>
@@ -116,8 +116,9 @@ LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forward
 
 std::string busDescription() {
     const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    return address != nullptr && *address != '\0' ? std::string("at ") + address
-                                                   : "of this user (DBUS_SESSION_BUS_ADDRESS is not set)";
+    return address != nullptr && *address != '\0'
+               ? std::string("at ") + address
+               : "of this user (DBUS_SESSION_BUS_ADDRESS is not set)";
 }
 
 // Connects and owns the service name; on failure says why and sets the exit status.

@@ -158,7 +158,8 @@ void SqliteDatabase::execute(const std::string& sql) {
 SqliteStatement& SqliteDatabase::prepare(const std::string& sql) {
     auto found = statements.find(sql);
     if (found == statements.end()) {
-        found = statements.emplace(sql, std::make_unique<SqliteStatement>(handle, sql, where)).first;
+        found =
+            statements.emplace(sql, std::make_unique<SqliteStatement>(handle, sql, where)).first;
     }
     return found->second->reset();
 }

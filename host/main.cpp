@@ -19,7 +19,8 @@ void printUsage(std::ostream& out) {
            "       galley fonts FILE.idml [--json]\n"
            "       galley [FILE.idml]\n"
            "\n"
-           "  --batch   open the document without a window; the plug-ins respond and their dialogs\n"
+           "  --batch   open the document without a window; the plug-ins respond and their "
+           "dialogs\n"
            "            are shown as text (galley --batch --help for the actions)\n"
            "  fonts     print the document's fonts, missing first (no plug-ins)\n"
            "\n"
@@ -54,7 +55,8 @@ int main(int argc, char** argv) {
             Galley::printBatchUsage(std::cout);
             return 0;
         }
-        return Galley::runBatchCommand({arguments.begin() + 1, arguments.end()}, executablePath(argv[0]));
+        return Galley::runBatchCommand({arguments.begin() + 1, arguments.end()},
+                                       executablePath(argv[0]));
     }
     const std::string document = arguments[0];
 #ifdef GALLEY_WITH_GUI
@@ -64,6 +66,7 @@ int main(int argc, char** argv) {
 #else
     std::cerr << "galley: this build has no window; open the document without one:\n";
 #endif
-    std::cerr << "  galley --batch " << document << "\n(galley --batch --help for what batch mode can do)\n";
+    std::cerr << "  galley --batch " << document
+              << "\n(galley --batch --help for what batch mode can do)\n";
     return 2;
 }

@@ -25,7 +25,8 @@ void stopTransport() {
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) const uint32 GalleyPluginSDKVersion = kGalleySDKVersion;
+extern "C" __attribute__((visibility("default"))) const uint32 GalleyPluginSDKVersion =
+    kGalleySDKVersion;
 
 extern "C" __attribute__((visibility("default"))) void GalleyPluginMain(IPluginRegistry* registry) {
     using namespace VLM;
@@ -36,7 +37,8 @@ extern "C" __attribute__((visibility("default"))) void GalleyPluginMain(IPluginR
                                       &make<FontChangeObserver>);
     registry->RegisterIdleTask(kRefreshIdleTaskImpl, &make<RefreshIdleTask>, kWaitingDialogRsrcID,
                                IID_IVELLUMINEREFRESHTASK);
-    registry->RegisterActionComponent(kVellumineActionComponentImpl, &make<VellumineActionComponent>);
+    registry->RegisterActionComponent(kVellumineActionComponentImpl,
+                                      &make<VellumineActionComponent>);
     registry->RegisterMenuEntry(kVellumineAboutActionID, "about", "0x11f300kAboutMenuKey");
     registry->RegisterMenuEntry(kVellumineDialogActionID, "fonts", "0x11f300kFontsMenuKey");
     registerFontsDialogs(*registry);

@@ -14,8 +14,8 @@ public:
     // A modal alert with up to three buttons (empty texts are left out). Returns the
     // number (1 to 3) of the button that answered it.
     static int16 ModalAlert(const PMString& message, const PMString& button1,
-                            const PMString& button2, const PMString& button3,
-                            int16 defaultButton, int16 iconType);
+                            const PMString& button2, const PMString& button3, int16 defaultButton,
+                            int16 iconType);
 };
 
 // What the host puts behind CAlert.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "sdk/CAlert.h"
-#include "sdk/RsrcSpec.h"
+#include "sdk/ResourceName.h"
 
 class CIdleTask;
 class IControlView;

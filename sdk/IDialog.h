@@ -3,7 +3,7 @@
 #include "sdk/HostTypes.h"
 #include "sdk/IObserver.h"
 #include "sdk/IPMUnknown.h"
-#include "sdk/RsrcSpec.h"
+#include "sdk/ResourceName.h"
 
 class IActiveContext;
 class IControlView;

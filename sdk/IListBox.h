@@ -2,7 +2,7 @@
 
 #include "sdk/HostTypes.h"
 #include "sdk/K2Vector.h"
-#include "sdk/RsrcSpec.h"
+#include "sdk/ResourceName.h"
 
 class IControlView;
 

@@ -21,7 +21,10 @@ public:
     explicit MemoryStream(Mode mode = Mode::writing) : mode_(mode) {}
     bool IsReading() const override { return mode_ == Mode::reading; }
     void XferString(std::string& text) override;
-    void rewindForReading() { mode_ = Mode::reading; next_ = 0; }
+    void rewindForReading() {
+        mode_ = Mode::reading;
+        next_ = 0;
+    }
     const std::string& bytes() const { return bytes_; }
 
 private:

@@ -4,7 +4,7 @@
 #include "sdk/IPMUnknown.h"
 #include "sdk/K2Vector.h"
 #include "sdk/PMString.h"
-#include "sdk/RsrcSpec.h"
+#include "sdk/ResourceName.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 // The SDK's non-header code that stands on the host: helpers of the base classes that
 // plug-ins derive from, forwarded to the hooks the host installed.
 #include "sdk/CAlert.h"
-#include "sdk/HostIdentifiers.h"
 #include "sdk/HostHooks.h"
+#include "sdk/HostIdentifiers.h"
 #include "sdk/IControlView.h"
 #include "sdk/IDialog.h"
 #include "sdk/IIdleTask.h"
@@ -48,13 +48,11 @@ PMLocaleId MLocaleSetting::GetLocale() {
 
 void CAlert::InformationAlert(const PMString& message) {
     const PMString buttons[3] = {PMString("OK"), PMString(), PMString()};
-    alerts().present(IAlertPresenter::Kind::information, message, buttons, kOKButton,
-                     kCautionIcon);
+    alerts().present(IAlertPresenter::Kind::information, message, buttons, kOKButton, kCautionIcon);
 }
 
-int16 CAlert::ModalAlert(const PMString& message, const PMString& button1,
-                         const PMString& button2, const PMString& button3, int16 defaultButton,
-                         int16 iconType) {
+int16 CAlert::ModalAlert(const PMString& message, const PMString& button1, const PMString& button2,
+                         const PMString& button3, int16 defaultButton, int16 iconType) {
     const PMString buttons[3] = {button1, button2, button3};
     return alerts().present(IAlertPresenter::Kind::modal, message, buttons, defaultButton,
                             iconType);

@@ -15,9 +15,11 @@ public:
     virtual TreeViewDataNode* GetNode(const PMString& name) const = 0;
     virtual const TreeViewDataNode* GetParentNode(const TreeViewDataNode* node) const = 0;
     virtual int32 GetChildCount(const TreeViewDataNode* node) const = 0;
-    virtual TreeViewDataNode* GetNthChildNode(const TreeViewDataNode* node, long position) const = 0;
+    virtual TreeViewDataNode* GetNthChildNode(const TreeViewDataNode* node,
+                                              long position) const = 0;
     // The first position of `child` among `parent`'s children, by identity; -1 if none.
-    virtual int32 GetChildIndexFor(const TreeViewDataNode* parent, const TreeViewDataNode* child) const = 0;
+    virtual int32 GetChildIndexFor(const TreeViewDataNode* parent,
+                                   const TreeViewDataNode* child) const = 0;
     virtual void Rebuild() = 0;
     virtual bool NeedRebuild() = 0;
 };

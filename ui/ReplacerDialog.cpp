@@ -13,12 +13,14 @@
 namespace {
 
 SDKListBoxHelper listBoxOf(IPanelControlData* panel) {
-    return SDKListBoxHelper(panel, kVelluminePrefix, kReplacerListBoxWidgetID, kReplacerElementRsrcID);
+    return SDKListBoxHelper(panel, kVelluminePrefix, kReplacerListBoxWidgetID,
+                            kReplacerElementRsrcID);
 }
 
 bool sameFace(const IPMFont* a, const IPMFont& b) {
-    return a == &b || (a && a->GetPostScriptName() == b.GetPostScriptName() && a->GetFamilyName() == b.GetFamilyName() &&
-                       a->GetStyleName() == b.GetStyleName());
+    return a == &b ||
+           (a && a->GetPostScriptName() == b.GetPostScriptName() &&
+            a->GetFamilyName() == b.GetFamilyName() && a->GetStyleName() == b.GetStyleName());
 }
 
 // The name the list shows and font replacement receives: "Family Style" where the host's
@@ -103,11 +105,13 @@ void ReplacerDialogObserver::AutoDetach() {
     DetachFromWidget(kFontListPanelWidgetID, IID_ITEXTCONTROLDATA);
 }
 
-void ReplacerDialogObserver::Update(ClassID change, ISubject* subject, PMIID protocol, void* changedBy) {
+void ReplacerDialogObserver::Update(ClassID change, ISubject* subject, PMIID protocol,
+                                    void* changedBy) {
     CDialogObserver::Update(change, subject, protocol, changedBy);
     if (change != kTrueStateMessage)
         return;
-    const WidgetID pressed = DialogWidgets::idOfSubject(GetPanel(), subject, {kOKButtonWidgetID, kCancelButton_WidgetID});
+    const WidgetID pressed = DialogWidgets::idOfSubject(
+        GetPanel(), subject, {kOKButtonWidgetID, kCancelButton_WidgetID});
     IDialogController* controller = GetController();
     if (controller && pressed != kInvalidWidgetID)
         controller->ApplyDialogFields(nullptr, pressed);

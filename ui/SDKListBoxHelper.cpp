@@ -2,7 +2,7 @@
 
 #include "sdk/IControlView.h"
 #include "sdk/IListBox.h"
-#include "sdk/RsrcSpec.h"
+#include "sdk/ResourceName.h"
 #include "ui/DialogWidgets.h"
 
 IControlView* SDKListBoxHelper::FindCurrentListBox() const {
@@ -19,9 +19,10 @@ bool SDKListBoxHelper::AddElement(const PMString& text, WidgetID textWidget, int
     IControlView* listBox = FindCurrentListBox();
     IListControlData* elements = listBox ? listBox->GetListControlData() : nullptr;
     IControlView* element =
-        elements ? elements->AddListElementWidget(
-                       RsrcSpec(MLocaleSetting::GetLocale(), plugin_, kViewRsrcType, element_), position)
-                 : nullptr;
+        elements
+            ? elements->AddListElementWidget(
+                  RsrcSpec(MLocaleSetting::GetLocale(), plugin_, kViewRsrcType, element_), position)
+            : nullptr;
     if (!element)
         return false;
     IControlView* label = element->GetWidgetID() == textWidget

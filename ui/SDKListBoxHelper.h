@@ -10,7 +10,8 @@ class IPanelControlData;
 // made from one of the plug-in's element resources.
 class SDKListBoxHelper {
 public:
-    SDKListBoxHelper(IPanelControlData* owner, PluginID plugin, WidgetID listBox, RsrcID elementResource)
+    SDKListBoxHelper(IPanelControlData* owner, PluginID plugin, WidgetID listBox,
+                     RsrcID elementResource)
         : owner_(owner), plugin_(plugin), listBox_(listBox), element_(elementResource) {}
 
     IControlView* FindCurrentListBox() const;

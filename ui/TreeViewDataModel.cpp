@@ -14,9 +14,11 @@ VLMFontList currentMissingFonts() {
 
 // Whether `record` has a partner in `others` with the same syncID and replaced state.
 bool hasPartner(const VLMFontInfo& record, const VLMFontList& others) {
-    return std::any_of(others.begin(), others.end(), [&](const Tamrik::SmartPointer<VLMFontInfo>& other) {
-        return other->font.syncID == record.font.syncID && other->stateFlag1 == record.stateFlag1;
-    });
+    return std::any_of(others.begin(), others.end(),
+                       [&](const Tamrik::SmartPointer<VLMFontInfo>& other) {
+                           return other->font.syncID == record.font.syncID &&
+                                  other->stateFlag1 == record.stateFlag1;
+                       });
 }
 
 } // namespace
@@ -29,11 +31,13 @@ int32 TreeViewDataModel::GetChildCount(const TreeViewDataNode* node) const {
     return node ? node->ChildCount() : 0;
 }
 
-TreeViewDataNode* TreeViewDataModel::GetNthChildNode(const TreeViewDataNode* node, long position) const {
+TreeViewDataNode* TreeViewDataModel::GetNthChildNode(const TreeViewDataNode* node,
+                                                     long position) const {
     return node ? node->GetNthChild(position) : nullptr;
 }
 
-int32 TreeViewDataModel::GetChildIndexFor(const TreeViewDataNode* parent, const TreeViewDataNode* child) const {
+int32 TreeViewDataModel::GetChildIndexFor(const TreeViewDataNode* parent,
+                                          const TreeViewDataNode* child) const {
     if (!parent || !child)
         return -1;
     for (int32 position = 0; position < parent->ChildCount(); ++position)
@@ -42,9 +46,9 @@ int32 TreeViewDataModel::GetChildIndexFor(const TreeViewDataNode* parent, const 
     return -1;
 }
 
-TreeViewDataNode* TreeViewDataModel::newNode(const Tamrik::SmartPointer<VLMFontInfo>& record, int32 level,
-                                             const TreeViewDataNode* parent, int32 sequence,
-                                             const std::string& container) {
+TreeViewDataNode* TreeViewDataModel::newNode(const Tamrik::SmartPointer<VLMFontInfo>& record,
+                                             int32 level, const TreeViewDataNode* parent,
+                                             int32 sequence, const std::string& container) {
     nodes_.push_back(std::make_unique<TreeViewDataNode>());
     TreeViewDataNode* node = nodes_.back().get();
     node->SetData(record);
@@ -90,7 +94,9 @@ bool TreeViewDataModel::NeedRebuild() {
     const VLMFontList& longer = freshIsLonger ? fresh : shown;
     const VLMFontList& shorter = freshIsLonger ? shown : fresh;
     return !std::all_of(longer.begin(), longer.end(),
-                        [&](const Tamrik::SmartPointer<VLMFontInfo>& record) { return hasPartner(*record, shorter); });
+                        [&](const Tamrik::SmartPointer<VLMFontInfo>& record) {
+                            return hasPartner(*record, shorter);
+                        });
 }
 
 void TreeViewDataModel::deleteTree() {

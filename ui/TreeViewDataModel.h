@@ -29,7 +29,8 @@ public:
     const TreeViewDataNode* GetParentNode(const TreeViewDataNode* node) const override;
     int32 GetChildCount(const TreeViewDataNode* node) const override;
     TreeViewDataNode* GetNthChildNode(const TreeViewDataNode* node, long position) const override;
-    int32 GetChildIndexFor(const TreeViewDataNode* parent, const TreeViewDataNode* child) const override;
+    int32 GetChildIndexFor(const TreeViewDataNode* parent,
+                           const TreeViewDataNode* child) const override;
     void Rebuild() override;
     // True when the set of fonts or their replaced state differs from the tree's. The test
     // runs one way only, from the longer list into the shorter: other changes of state are
@@ -38,7 +39,8 @@ public:
 
 private:
     TreeViewDataNode* newNode(const Tamrik::SmartPointer<VLMFontInfo>& record, int32 level,
-                              const TreeViewDataNode* parent, int32 sequence, const std::string& container);
+                              const TreeViewDataNode* parent, int32 sequence,
+                              const std::string& container);
     void deleteTree();
 
     IPMUnknown* treeWidget_;

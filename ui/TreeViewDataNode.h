@@ -17,7 +17,9 @@ public:
     virtual ~TreeViewDataNode() = default;
 
     // No bounds check: callers pass positions below ChildCount().
-    TreeViewDataNode* GetNthChild(long position) const { return children[static_cast<std::size_t>(position)]; }
+    TreeViewDataNode* GetNthChild(long position) const {
+        return children[static_cast<std::size_t>(position)];
+    }
     void AddChild(TreeViewDataNode* child) { children.push_back(child); }
     int32 ChildCount() const { return static_cast<int32>(children.size()); }
 

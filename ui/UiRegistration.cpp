@@ -28,15 +28,15 @@ std::unique_ptr<IPMUnknown> makeOn(IPMUnknown* boss) {
 } // namespace
 
 void registerFontsDialogs(IPluginRegistry& registry) {
-    registry.RegisterDialog(kVellumineDialogRsrcID, "FontsDialog.ui", kVellumineDialogControllerImpl,
-                            &makeOn<VellumineDialogController>, kVellumineDialogObserverImpl,
-                            &makeOn<VellumineDialogObserver>);
+    registry.RegisterDialog(kVellumineDialogRsrcID, "FontsDialog.ui",
+                            kVellumineDialogControllerImpl, &makeOn<VellumineDialogController>,
+                            kVellumineDialogObserverImpl, &makeOn<VellumineDialogObserver>);
     registry.RegisterDialog(kWaitingDialogRsrcID, "WaitingDialog.ui", kWaitingDialogControllerImpl,
                             &makeOn<WaitingDialogController>, kWaitingDialogObserverImpl,
                             &makeOn<WaitingDialogObserver>);
-    registry.RegisterDialog(kReplacerDialogRsrcID, "ReplacerDialog.ui", kReplacerDialogControllerImpl,
-                            &makeOn<ReplacerDialogController>, kReplacerDialogObserverImpl,
-                            &makeOn<ReplacerDialogObserver>);
+    registry.RegisterDialog(kReplacerDialogRsrcID, "ReplacerDialog.ui",
+                            kReplacerDialogControllerImpl, &makeOn<ReplacerDialogController>,
+                            kReplacerDialogObserverImpl, &makeOn<ReplacerDialogObserver>);
 
     registry.RegisterWidgetResource(kFontRowRsrcID, "FontRow.ui");
     registry.RegisterWidgetResource(kMatchRowRsrcID, "MatchRow.ui");
@@ -45,15 +45,17 @@ void registerFontsDialogs(IPluginRegistry& registry) {
     // The model first: the adapter and the rows read it.
     registry.RegisterWidgetAddIn(kFontTreeWidgetID, IID_ITREEVIEWDATAMODEL, kTreeViewDataModelImpl,
                                  &makeOn<TreeViewDataModel>);
-    registry.RegisterWidgetAddIn(kFontTreeWidgetID, IID_ITREEVIEWHIERARCHYADAPTER, kTreeViewHierarchyAdapterImpl,
+    registry.RegisterWidgetAddIn(kFontTreeWidgetID, IID_ITREEVIEWHIERARCHYADAPTER,
+                                 kTreeViewHierarchyAdapterImpl,
                                  &makeOn<VLMTreeviewHierarchyAdapater>);
     registry.RegisterWidgetAddIn(kFontTreeWidgetID, IID_ITREEVIEWWIDGETMGR, kTreeViewWidgetMgrImpl,
                                  &makeOn<VLMTreeViewWidgetMgr>);
     registry.RegisterWidgetAddIn(kFontTreeWidgetID, IID_IOBSERVER, kTreeViewObserverImpl,
                                  &makeOn<VLMTreeviewObserver>);
-    registry.RegisterWidgetAddIn(kReplacerElementWidgetID, IID_IEVENTHANDLER, kReplacerEventHandlerImpl,
-                                 &makeOn<ReplacerEventHandler>);
-    registry.RegisterWidgetAddIn(kWaitingProgressBarWidgetID, IID_IWIDGETVIEW, kProgressBarWidgetViewImpl,
+    registry.RegisterWidgetAddIn(kReplacerElementWidgetID, IID_IEVENTHANDLER,
+                                 kReplacerEventHandlerImpl, &makeOn<ReplacerEventHandler>);
+    registry.RegisterWidgetAddIn(kWaitingProgressBarWidgetID, IID_IWIDGETVIEW,
+                                 kProgressBarWidgetViewImpl,
                                  [](IPMUnknown*) -> std::unique_ptr<IPMUnknown> {
                                      return std::make_unique<VLMProgressBarWidgetView::View>();
                                  });

@@ -42,7 +42,7 @@ int32 VLMFontNodeID::Compare(const NodeIDClass* other) const {
     if (b.GetLevel() != a.GetLevel()) {
         result = b.GetLevel() > a.GetLevel() ? 1 : -1;
     } else {
-        result = a.GetSequenceNumber() > b.GetSequenceNumber() ? 1
+        result = a.GetSequenceNumber() > b.GetSequenceNumber()   ? 1
                  : a.GetSequenceNumber() < b.GetSequenceNumber() ? -1
                                                                  : 0;
         if (result == 0) {

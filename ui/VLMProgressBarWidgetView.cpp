@@ -4,7 +4,8 @@
 
 namespace VLMProgressBarWidgetView {
 
-Contents layout(const Rect& frame, int16 minimum, int16 maximum, int16 value, const std::string& text) {
+Contents layout(const Rect& frame, int16 minimum, int16 maximum, int16 value,
+                const std::string& text) {
     double fraction = 0;
     if (maximum > minimum) {
         const int held = std::clamp<int>(value, minimum, maximum);
@@ -23,14 +24,18 @@ void View::Draw(IGraphicsPort* port, const PMRect& frame, IControlView* widget) 
     if (!port || !bar)
         return;
     ITextControlData* ownText = widget->GetTextControlData();
-    const Contents contents = layout({frame.left, frame.top, frame.Width(), frame.Height()}, bar->GetMinimum(),
-                                     bar->GetMaximum(), bar->GetValue(),
-                                     ownText ? ownText->GetString().GetUTF8String() : std::string());
-    const auto rect = [](const Rect& r) { return PMRect{r.left, r.top, r.left + r.width, r.top + r.height}; };
+    const Contents contents =
+        layout({frame.left, frame.top, frame.Width(), frame.Height()}, bar->GetMinimum(),
+               bar->GetMaximum(), bar->GetValue(),
+               ownText ? ownText->GetString().GetUTF8String() : std::string());
+    const auto rect = [](const Rect& r) {
+        return PMRect{r.left, r.top, r.left + r.width, r.top + r.height};
+    };
     port->FillRect(rect(contents.empty), contents.emptyColour);
     port->FillRect(rect(contents.filled), contents.filledColour);
     if (!contents.text.empty())
-        port->DrawText(contents.text, frame, contents.fontName, contents.pointSize, RGBColor{0, 0, 0});
+        port->DrawText(contents.text, frame, contents.fontName, contents.pointSize,
+                       RGBColor{0, 0, 0});
 }
 
 } // namespace VLMProgressBarWidgetView

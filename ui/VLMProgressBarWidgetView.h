@@ -16,17 +16,18 @@ struct Rect {
 };
 
 struct Contents {
-    Rect filled;              // the part of the frame that shows progress
-    Rect empty;               // the rest of the frame
+    Rect filled; // the part of the frame that shows progress
+    Rect empty;  // the rest of the frame
     RGBColor filledColour{0.2, 0.6, 0.4};
     RGBColor emptyColour{0.85, 0.85, 0.85};
-    std::string text;         // drawn centred over the bar when not empty
+    std::string text; // drawn centred over the bar when not empty
     std::string fontName = "LucidaGrande";
     double pointSize = 12;
 };
 
 // A value outside the range is held to it; an empty or reversed range shows nothing filled.
-Contents layout(const Rect& frame, int16 minimum, int16 maximum, int16 value, const std::string& text);
+Contents layout(const Rect& frame, int16 minimum, int16 maximum, int16 value,
+                const std::string& text);
 
 // The progress bar's view in a window: draws the layout above with the host's painter,
 // from the bar's range, value and own text.

@@ -27,7 +27,8 @@ void setText(IControlView* row, WidgetID id, const std::string& text) {
 void showFont(IControlView* row, const VLMFontInfo& font) {
     // The name a user knows the font by, and the PostScript name that identifies it.
     const std::string family = font.hostFontName.empty() ? font.font.familyName : font.hostFontName;
-    setText(row, kRowNameWidgetID, font.font.styleName.empty() ? family : family + " " + font.font.styleName);
+    setText(row, kRowNameWidgetID,
+            font.font.styleName.empty() ? family : family + " " + font.font.styleName);
     setText(row, kRowPostScriptNameWidgetID, font.font.psName);
     setText(row, kRowTechnologyWidgetID, font.getTechnology());
     IPanelControlData* panel = row->GetPanelControlData();
@@ -63,7 +64,8 @@ WidgetID VLMTreeViewWidgetMgr::GetWidgetTypeForNode(const NodeID& node) const {
     return isFontRow(node) ? kFontRowRsrcID : kMatchRowRsrcID;
 }
 
-bool VLMTreeViewWidgetMgr::ApplyNodeIDToWidget(const NodeID& node, IControlView* widget, int32) const {
+bool VLMTreeViewWidgetMgr::ApplyNodeIDToWidget(const NodeID& node, IControlView* widget,
+                                               int32) const {
     const TreeViewDataNode* data = VLMFontNodeID::NodeOf(node);
     const auto record = data ? data->GetData() : Tamrik::SmartPointer<VLMFontInfo>();
     if (!widget || !record)

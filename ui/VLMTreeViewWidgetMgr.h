@@ -11,6 +11,7 @@ public:
 
     IControlView* CreateWidgetForNode(const NodeID& node) const override;
     WidgetID GetWidgetTypeForNode(const NodeID& node) const override;
-    bool ApplyNodeIDToWidget(const NodeID& node, IControlView* widget, int32 message = 0) const override;
+    bool ApplyNodeIDToWidget(const NodeID& node, IControlView* widget,
+                             int32 message = 0) const override;
     double GetIndentForNode(const NodeID&) const override { return 0.0; }
 };

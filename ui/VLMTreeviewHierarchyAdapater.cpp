@@ -15,7 +15,8 @@ NodeID identityOf(const TreeViewDataNode* node) {
 } // namespace
 
 ITreeViewDataModel* VLMTreeviewHierarchyAdapater::model() const {
-    return QueryAddInAs<ITreeViewDataModel>(dynamic_cast<IControlView*>(treeWidget_), IID_ITREEVIEWDATAMODEL);
+    return QueryAddInAs<ITreeViewDataModel>(dynamic_cast<IControlView*>(treeWidget_),
+                                            IID_ITREEVIEWDATAMODEL);
 }
 
 NodeID VLMTreeviewHierarchyAdapater::GetRootNode() const {
@@ -40,7 +41,9 @@ NodeID VLMTreeviewHierarchyAdapater::GetNthChild(const NodeID& node, const int32
 
 int32 VLMTreeviewHierarchyAdapater::GetChildIndex(const NodeID& parent, const NodeID& child) const {
     ITreeViewDataModel* tree = model();
-    return tree ? tree->GetChildIndexFor(VLMFontNodeID::NodeOf(parent), VLMFontNodeID::NodeOf(child)) : -1;
+    return tree
+               ? tree->GetChildIndexFor(VLMFontNodeID::NodeOf(parent), VLMFontNodeID::NodeOf(child))
+               : -1;
 }
 
 NodeID VLMTreeviewHierarchyAdapater::GetGenericNodeID() const {

@@ -32,7 +32,8 @@ void VLMTreeviewObserver::Update(ClassID change, ISubject*, PMIID protocol, void
 }
 
 void VLMTreeviewObserver::syncButtons() {
-    auto* controller = dialog_ ? dynamic_cast<VellumineDialogController*>(dialog_->GetController()) : nullptr;
+    auto* controller =
+        dialog_ ? dynamic_cast<VellumineDialogController*>(dialog_->GetController()) : nullptr;
     if (controller)
         controller->selectionSync();
 }

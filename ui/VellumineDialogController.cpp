@@ -70,20 +70,22 @@ void VellumineDialogController::selectionSync() {
     IControlView* info = find(panel, kInfoButtonWidgetID);
 
     const std::size_t count = selected.size();
-    DialogWidgets::setText(activateButton, PMString(count == 0 ? kActiveAllButtonCaptionKey : kActiveButtonCaptionKey));
+    DialogWidgets::setText(activateButton, PMString(count == 0 ? kActiveAllButtonCaptionKey
+                                                               : kActiveButtonCaptionKey));
     enable(activateButton, true);
     enable(buy, count == 1);
     enable(replace, count > 0);
     enable(info, count > 0);
 
     const auto nodes = FontTreeSelection::selectedNodes(selected);
-    const bool everyRowHasContainer = std::all_of(nodes.begin(), nodes.end(), [](const TreeViewDataNode* node) {
-        return !node->GetContainerID().empty();
-    });
-    const bool noneCanBeSupplied = std::none_of(nodes.begin(), nodes.end(), [](const TreeViewDataNode* node) {
-        const auto record = node->GetData();
-        return record && record->hasTypeMatching;
-    });
+    const bool everyRowHasContainer =
+        std::all_of(nodes.begin(), nodes.end(),
+                    [](const TreeViewDataNode* node) { return !node->GetContainerID().empty(); });
+    const bool noneCanBeSupplied =
+        std::none_of(nodes.begin(), nodes.end(), [](const TreeViewDataNode* node) {
+            const auto record = node->GetData();
+            return record && record->hasTypeMatching;
+        });
     if (!everyRowHasContainer)
         enable(replace, false);
     if (noneCanBeSupplied) {
@@ -154,10 +156,11 @@ void VellumineDialogController::activate(const VLMFontList& selected, bool nothi
 std::string VellumineDialogController::DoReplacerDialog() {
     IApplication* application = gSession ? gSession->QueryApplication() : nullptr;
     IDialogMgr* dialogs = application ? application->GetDialogMgr() : nullptr;
-    IDialog* dialog = dialogs ? dialogs->CreateNewDialog(RsrcSpec(MLocaleSetting::GetLocale(), kVelluminePrefix,
-                                                                  kViewRsrcType, kReplacerDialogRsrcID),
-                                                         IDialog::kMovableModal)
-                              : nullptr;
+    IDialog* dialog =
+        dialogs ? dialogs->CreateNewDialog(RsrcSpec(MLocaleSetting::GetLocale(), kVelluminePrefix,
+                                                    kViewRsrcType, kReplacerDialogRsrcID),
+                                           IDialog::kMovableModal)
+                : nullptr;
     if (!dialog)
         return {};
     if (IControlView* panel = find(dialog->GetDialogPanel(), kReplacerPanelWidgetID))

@@ -13,8 +13,8 @@ void VellumineDialogObserver::AutoAttach() {
     CDialogObserver::AutoAttach();
     AttachToWidget(kOKButtonWidgetID, IID_IBOOLEANCONTROLDATA);
     AttachToWidget(kFontListPanelWidgetID, IID_ITEXTCONTROLDATA);
-    for (WidgetID button : {kInfoButtonWidgetID, kBuyButtonWidgetID, kActivateButtonWidgetID, kReplaceButtonWidgetID,
-                            kFontTreeCaptionWidgetID})
+    for (WidgetID button : {kInfoButtonWidgetID, kBuyButtonWidgetID, kActivateButtonWidgetID,
+                            kReplaceButtonWidgetID, kFontTreeCaptionWidgetID})
         AttachToWidget(button, IID_IBOOLEANCONTROLDATA);
     DialogNews::listen(this);
 }
@@ -23,13 +23,14 @@ void VellumineDialogObserver::AutoDetach() {
     CDialogObserver::AutoDetach();
     DetachFromWidget(kOKButtonWidgetID, IID_IBOOLEANCONTROLDATA);
     DetachFromWidget(kFontListPanelWidgetID, IID_ITEXTCONTROLDATA);
-    for (WidgetID button : {kInfoButtonWidgetID, kFontTreeCaptionWidgetID, kBuyButtonWidgetID, kActivateButtonWidgetID,
-                            kReplaceButtonWidgetID})
+    for (WidgetID button : {kInfoButtonWidgetID, kFontTreeCaptionWidgetID, kBuyButtonWidgetID,
+                            kActivateButtonWidgetID, kReplaceButtonWidgetID})
         DetachFromWidget(button, IID_IBOOLEANCONTROLDATA);
     DialogNews::stopListening(this);
 }
 
-void VellumineDialogObserver::Update(ClassID change, ISubject* subject, PMIID protocol, void* changedBy) {
+void VellumineDialogObserver::Update(ClassID change, ISubject* subject, PMIID protocol,
+                                     void* changedBy) {
     CDialogObserver::Update(change, subject, protocol, changedBy);
     auto* controller = dynamic_cast<VellumineDialogController*>(GetController());
     if (!controller)
@@ -39,10 +40,10 @@ void VellumineDialogObserver::Update(ClassID change, ISubject* subject, PMIID pr
         return;
     // OK is among the buttons because Galley's dialog base does not hand its press to the
     // controller itself.
-    const WidgetID pressed =
-        DialogWidgets::idOfSubject(GetPanel(), subject,
-                                   {kOKButtonWidgetID, kInfoButtonWidgetID, kBuyButtonWidgetID,
-                                    kActivateButtonWidgetID, kReplaceButtonWidgetID, kFontTreeCaptionWidgetID});
+    const WidgetID pressed = DialogWidgets::idOfSubject(
+        GetPanel(), subject,
+        {kOKButtonWidgetID, kInfoButtonWidgetID, kBuyButtonWidgetID, kActivateButtonWidgetID,
+         kReplaceButtonWidgetID, kFontTreeCaptionWidgetID});
     if (pressed != kInvalidWidgetID)
         controller->ApplyDialogFields(nullptr, pressed);
 }

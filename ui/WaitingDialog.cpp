@@ -11,13 +11,15 @@
 namespace {
 
 CIdleTask* refreshTask(IDialog* dialog) {
-    return dialog ? dynamic_cast<CIdleTask*>(dialog->QueryAddIn(IID_IVELLUMINEREFRESHTASK)) : nullptr;
+    return dialog ? dynamic_cast<CIdleTask*>(dialog->QueryAddIn(IID_IVELLUMINEREFRESHTASK))
+                  : nullptr;
 }
 
 } // namespace
 
 std::string WaitingDialogObserver::progressText(int activated, int total) {
-    return "Please Wait, " + Tamrik::toString(activated) + " of " + Tamrik::toString(total) + " fonts activated";
+    return "Please Wait, " + Tamrik::toString(activated) + " of " + Tamrik::toString(total) +
+           " fonts activated";
 }
 
 void WaitingDialogObserver::AutoAttach() {
@@ -59,7 +61,8 @@ void WaitingDialogObserver::OnVLMNotify(const std::string&) {
         CloseDialog(0);
         return;
     }
-    DialogWidgets::setText(text, PMString(progressText(activated, total), PMString::kDontTranslateDuringCall));
+    DialogWidgets::setText(
+        text, PMString(progressText(activated, total), PMString::kDontTranslateDuringCall));
     if (IProgressBarControlData* progress = bar ? bar->GetProgressBarControlData() : nullptr) {
         // The host's bars keep 16-bit values: totals above 32767 wrap, as they always did.
         progress->SetRange(0, static_cast<int16>(total), true, true);

@@ -49,7 +49,8 @@ std::optional<BatchOptions> parseOptions(const std::vector<std::string>& argumen
                 used = 0;
             }
             if (used != value.size() || seconds <= 0 || seconds > 24 * 3600)
-                throw std::invalid_argument("--timeout takes whole seconds from 1 to 86400, not \"" + value + "\"");
+                throw std::invalid_argument(
+                    "--timeout takes whole seconds from 1 to 86400, not \"" + value + "\"");
             options.timeoutSeconds = seconds;
         } else if (options.document.empty()) {
             options.document = word;
@@ -90,7 +91,8 @@ int countMissing(GalleySession& session, IdmlDocument& document, std::ostream& e
     err << "galley: " << name << ": " << missing << (missing == 1 ? " font is" : " fonts are")
         << " missing:";
     for (int32 n = 0; n < missing; ++n) {
-        IFontFamily* family = document.InstantiateFontFamily(document.usage().GetMissingNthFontFamilyUID(n));
+        IFontFamily* family =
+            document.InstantiateFontFamily(document.usage().GetMissingNthFontFamilyUID(n));
         err << (n ? ", " : " ") << (family ? family->GetFamilyName().GetUTF8String() : "?") << " "
             << document.usage().GetMissingNthFontFaceName(n).GetUTF8String();
     }
@@ -147,7 +149,8 @@ int runBatchCommand(const std::vector<std::string>& arguments, const std::string
     SdEventLoop events;
 
     Runtime::Options runtimeOptions;
-    runtimeOptions.deadline = std::chrono::steady_clock::now() + std::chrono::seconds(options->timeoutSeconds);
+    runtimeOptions.deadline =
+        std::chrono::steady_clock::now() + std::chrono::seconds(options->timeoutSeconds);
     runtimeOptions.bus = services ? services->bus() : nullptr;
     Runtime runtime(events, session, view, runtimeOptions);
     runtime.loadPlugins(PluginLoader::defaultSearchPath(executable));

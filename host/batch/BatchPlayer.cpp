@@ -50,7 +50,8 @@ bool shows(const Widget* row, const std::string& text) {
 
 } // namespace
 
-BatchPlayer::BatchPlayer(Runtime& runtime, TerminalPresenter& view, std::vector<BatchAction> actions)
+BatchPlayer::BatchPlayer(Runtime& runtime, TerminalPresenter& view,
+                         std::vector<BatchAction> actions)
     : runtime_(runtime), view_(view), actions_(std::move(actions)) {
     hook_ = runtime_.loop().addPrepareHook([this] { consider(); });
 }
@@ -84,7 +85,7 @@ void BatchPlayer::consider() {
         return;
     }
     const BatchAction& action = actions_[next_];
-    const bool ready = action.needsDialog() ? dialog != nullptr
+    const bool ready = action.needsDialog()                     ? dialog != nullptr
                        : action.kind == BatchAction::Kind::menu ? true
                                                                 : dialog == nullptr;
     if (!ready)
@@ -112,14 +113,29 @@ void BatchPlayer::play(const BatchAction& action) {
     std::cout << "> " << action.describe() << '\n';
     try {
         switch (action.kind) {
-        case BatchAction::Kind::select: select(*dialog, action.argument); break;
-        case BatchAction::Kind::deselect: deselect(*dialog); break;
-        case BatchAction::Kind::press: press(*dialog, action.argument); break;
-        case BatchAction::Kind::pick: pick(*dialog, action.argument, false); break;
-        case BatchAction::Kind::doubleClick: pick(*dialog, action.argument, true); break;
-        case BatchAction::Kind::menu: invoke(action.argument); break;
-        case BatchAction::Kind::saveAs: saveAs(action.argument); break;
-        case BatchAction::Kind::wait: break;
+        case BatchAction::Kind::select:
+            select(*dialog, action.argument);
+            break;
+        case BatchAction::Kind::deselect:
+            deselect(*dialog);
+            break;
+        case BatchAction::Kind::press:
+            press(*dialog, action.argument);
+            break;
+        case BatchAction::Kind::pick:
+            pick(*dialog, action.argument, false);
+            break;
+        case BatchAction::Kind::doubleClick:
+            pick(*dialog, action.argument, true);
+            break;
+        case BatchAction::Kind::menu:
+            invoke(action.argument);
+            break;
+        case BatchAction::Kind::saveAs:
+            saveAs(action.argument);
+            break;
+        case BatchAction::Kind::wait:
+            break;
         }
     } catch (const std::exception& error) {
         fail(action.describe() + ": " + error.what());
@@ -137,8 +153,9 @@ void BatchPlayer::select(Dialog& dialog, const std::string& text) {
         throw std::runtime_error("the dialog has no tree");
     std::string name = text;
     int child = 0;
-    if (const auto slash = text.rfind('/'); slash != std::string::npos && slash + 1 < text.size() &&
-                                            text.find_first_not_of("0123456789", slash + 1) == std::string::npos) {
+    if (const auto slash = text.rfind('/');
+        slash != std::string::npos && slash + 1 < text.size() &&
+        text.find_first_not_of("0123456789", slash + 1) == std::string::npos) {
         name = text.substr(0, slash);
         child = std::stoi(text.substr(slash + 1));
     }
@@ -178,7 +195,8 @@ void BatchPlayer::press(Dialog& dialog, const std::string& button) {
         if (widget.kind() != Widget::Kind::button || !widget.IsVisible())
             return;
         known.push_back(widget.GetName() + " (\"" + widget.displayText() + "\")");
-        if (!found && (widget.GetName() == button || lowered(widget.displayText()) == lowered(button)))
+        if (!found &&
+            (widget.GetName() == button || lowered(widget.displayText()) == lowered(button)))
             found = &widget;
     });
     if (!found)
@@ -205,8 +223,8 @@ void BatchPlayer::pick(Dialog& dialog, const std::string& text, bool doubleClick
         if (entries.size() < 40)
             entries.push_back(entry);
     }
-    throw std::runtime_error("no entry \"" + text + "\" among the " + std::to_string(list->Length()) +
-                             " entries: " + joined(entries));
+    throw std::runtime_error("no entry \"" + text + "\" among the " +
+                             std::to_string(list->Length()) + " entries: " + joined(entries));
 }
 
 void BatchPlayer::invoke(const std::string& action) {
@@ -215,7 +233,8 @@ void BatchPlayer::invoke(const std::string& action) {
     std::vector<std::string> names;
     for (const auto& item : runtime_.menu())
         names.push_back(item.name + " (\"" + item.title + "\")");
-    throw std::runtime_error("no menu action \"" + action + "\"; the actions are: " + joined(names));
+    throw std::runtime_error("no menu action \"" + action +
+                             "\"; the actions are: " + joined(names));
 }
 
 void BatchPlayer::saveAs(const std::string& path) {

@@ -16,10 +16,13 @@ struct Verb {
 
 const std::map<std::string, Verb>& verbs() {
     static const std::map<std::string, Verb> table = {
-        {"select", {Kind::select, true}},     {"deselect", {Kind::deselect, false}},
-        {"press", {Kind::press, true}},       {"pick", {Kind::pick, true}},
+        {"select", {Kind::select, true}},
+        {"deselect", {Kind::deselect, false}},
+        {"press", {Kind::press, true}},
+        {"pick", {Kind::pick, true}},
         {"double-click", {Kind::doubleClick, true}},
-        {"menu", {Kind::menu, true}},         {"wait", {Kind::wait, false}},
+        {"menu", {Kind::menu, true}},
+        {"wait", {Kind::wait, false}},
         {"save-as", {Kind::saveAs, true}},
     };
     return table;

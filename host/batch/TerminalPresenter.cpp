@@ -62,7 +62,8 @@ void TerminalPresenter::dialogChanged(Dialog& dialog, Widget& widget) {
 
 void TerminalPresenter::dialogClosed(Dialog& dialog) {
     endProgressLine();
-    out_ << "== " << (dialog.title().empty() ? "dialog" : dialog.displayText(PMString(dialog.title())))
+    out_ << "== "
+         << (dialog.title().empty() ? "dialog" : dialog.displayText(PMString(dialog.title())))
          << (dialog.wasCancelled() ? " (cancelled)" : " (closed)") << " ==\n";
     out_.flush();
 }

@@ -23,8 +23,8 @@ public:
     void dialogOpened(Dialog& dialog) override;
     void dialogChanged(Dialog& dialog, Widget& widget) override;
     void dialogClosed(Dialog& dialog) override;
-    int16 alert(IAlertPresenter::Kind kind, const std::string& message, const std::string buttons[3],
-                int16 defaultButton) override;
+    int16 alert(IAlertPresenter::Kind kind, const std::string& message,
+                const std::string buttons[3], int16 defaultButton) override;
     void status(const std::string& message) override;
 
 private:

@@ -6,8 +6,7 @@
 
 namespace Galley {
 
-Dialog::Dialog(DialogHost& host, const RsrcSpec& spec, DialogType)
-    : host_(host), spec_(spec) {
+Dialog::Dialog(DialogHost& host, const RsrcSpec& spec, DialogType) : host_(host), spec_(spec) {
     DialogHost::DialogResource resource = host.dialogResource(spec);
     plugin_ = resource.plugin;
     file_ = resource.file;
@@ -20,7 +19,8 @@ Dialog::Dialog(DialogHost& host, const RsrcSpec& spec, DialogType)
     });
     if (!made || !dynamic_cast<IDialogController*>(controller_.get()) ||
         !dynamic_cast<IObserver*>(observer_.get()))
-        throw std::runtime_error("plug-in " + plugin_ + " made no controller or observer for dialog " +
+        throw std::runtime_error("plug-in " + plugin_ +
+                                 " made no controller or observer for dialog " +
                                  std::to_string(spec.rsrcID));
 }
 

@@ -3,7 +3,7 @@
 #include "host/dialogs/UiDescription.h"
 #include "sdk/PMString.h"
 #include "sdk/PluginRegistry.h"
-#include "sdk/RsrcSpec.h"
+#include "sdk/ResourceName.h"
 
 #include <functional>
 #include <memory>
@@ -22,8 +22,8 @@ public:
     virtual ~DialogHost() = default;
 
     struct DialogResource {
-        std::string plugin;        // for messages
-        std::string file;          // the description's file
+        std::string plugin; // for messages
+        std::string file;   // the description's file
         WidgetSpec description;
         PluginFactory controller = nullptr;
         PluginFactory observer = nullptr;

@@ -41,7 +41,8 @@ void renderWidget(Widget& widget, std::vector<std::string>& lines, std::string& 
             lines.push_back(widget.displayText());
         return;
     case Kind::button: {
-        const std::string caption = widget.displayText().empty() ? widget.GetName() : widget.displayText();
+        const std::string caption =
+            widget.displayText().empty() ? widget.GetName() : widget.displayText();
         buttons += (buttons.empty() ? "" : " ") +
                    (widget.IsEnabled() ? "[" + caption + "]" : "(" + caption + ")");
         return;
@@ -61,8 +62,10 @@ void renderWidget(Widget& widget, std::vector<std::string>& lines, std::string& 
             const auto* element = static_cast<const Widget*>(widget.GetElement(n));
             std::vector<std::string> texts;
             collectTexts(*element, texts);
-            const bool isSelected = std::find(selected.begin(), selected.end(), n) != selected.end();
-            lines.push_back(std::string(isSelected ? "* " : "  ") + (texts.empty() ? "" : texts.front()));
+            const bool isSelected =
+                std::find(selected.begin(), selected.end(), n) != selected.end();
+            lines.push_back(std::string(isSelected ? "* " : "  ") +
+                            (texts.empty() ? "" : texts.front()));
         }
         return;
     }
@@ -86,8 +89,8 @@ std::string renderProgressBar(const Widget& bar, int width) {
     const int value = std::clamp(bar.GetValue() - bar.GetMinimum(), 0, range);
     const int filled = range == 0 ? 0 : value * width / range;
     return "[" + std::string(static_cast<std::size_t>(filled), '#') +
-           std::string(static_cast<std::size_t>(width - filled), '.') + "] " + std::to_string(value) +
-           "/" + std::to_string(range);
+           std::string(static_cast<std::size_t>(width - filled), '.') + "] " +
+           std::to_string(value) + "/" + std::to_string(range);
 }
 
 namespace {
@@ -127,8 +130,9 @@ TreeTable tableOf(const Widget& tree) {
         std::size_t unnamed = 0;
         for (const Widget* cell : cells) {
             if (cell->GetWidgetID() != kInvalidWidgetID)
-                identified.emplace(cell->GetWidgetID(), cell->accessibleName().empty() ? headerOf(cell->GetName())
-                                                                                       : cell->accessibleName());
+                identified.emplace(cell->GetWidgetID(), cell->accessibleName().empty()
+                                                            ? headerOf(cell->GetName())
+                                                            : cell->accessibleName());
             else
                 ++unnamed;
         }
@@ -147,7 +151,8 @@ TreeTable tableOf(const Widget& tree) {
         std::vector<const Widget*> placed(table.headers.size(), nullptr);
         std::size_t unnamed = 0;
         for (const Widget* cell : cells)
-            placed[cell->GetWidgetID() != kInvalidWidgetID ? columnOf[cell->GetWidgetID()] : firstAnonymous + unnamed++] = cell;
+            placed[cell->GetWidgetID() != kInvalidWidgetID ? columnOf[cell->GetWidgetID()]
+                                                           : firstAnonymous + unnamed++] = cell;
         table.cells.push_back(std::move(placed));
     }
     return table;
@@ -176,7 +181,8 @@ std::vector<std::string> renderTree(const Widget& tree) {
     if (!cells.empty() && table.headers.size() > 1) {
         std::string header = "  ";
         for (std::size_t c = 0; c < table.headers.size(); ++c)
-            header += c + 1 < table.headers.size() ? padded(table.headers[c], widths[c] + 2) : table.headers[c];
+            header += c + 1 < table.headers.size() ? padded(table.headers[c], widths[c] + 2)
+                                                   : table.headers[c];
         lines.push_back(header);
     }
     for (std::size_t r = 0; r < cells.size(); ++r) {
@@ -195,7 +201,9 @@ std::vector<std::string> renderTree(const Widget& tree) {
 
 std::vector<std::string> renderDialog(Dialog& dialog) {
     std::vector<std::string> lines;
-    lines.push_back("== " + (dialog.title().empty() ? "dialog" : dialog.displayText(PMString(dialog.title()))) + " ==");
+    lines.push_back(
+        "== " + (dialog.title().empty() ? "dialog" : dialog.displayText(PMString(dialog.title()))) +
+        " ==");
     std::string buttons;
     for (const auto& child : dialog.root().children())
         renderWidget(*child, lines, buttons);

@@ -17,12 +17,12 @@ using Kind = WidgetSpec::Kind;
 
 const std::map<std::string, Kind>& knownClasses() {
     static const std::map<std::string, Kind> classes = {
-        {"QDialog", Kind::panel},           {"QWidget", Kind::panel},
-        {"QFrame", Kind::panel},            {"QGroupBox", Kind::panel},
-        {"QLabel", Kind::label},            {"QLineEdit", Kind::editText},
-        {"QPushButton", Kind::button},      {"QProgressBar", Kind::progressBar},
-        {"QTreeView", Kind::treeView},      {"QTreeWidget", Kind::treeView},
-        {"QListWidget", Kind::listBox},     {"QListView", Kind::listBox},
+        {"QDialog", Kind::panel},       {"QWidget", Kind::panel},
+        {"QFrame", Kind::panel},        {"QGroupBox", Kind::panel},
+        {"QLabel", Kind::label},        {"QLineEdit", Kind::editText},
+        {"QPushButton", Kind::button},  {"QProgressBar", Kind::progressBar},
+        {"QTreeView", Kind::treeView},  {"QTreeWidget", Kind::treeView},
+        {"QListWidget", Kind::listBox}, {"QListView", Kind::listBox},
     };
     return classes;
 }
@@ -39,7 +39,8 @@ std::string attribute(xmlNode* node, const char* name) {
 }
 
 bool named(xmlNode* node, const char* name) {
-    return node->type == XML_ELEMENT_NODE && xmlStrcmp(node->name, reinterpret_cast<const xmlChar*>(name)) == 0;
+    return node->type == XML_ELEMENT_NODE &&
+           xmlStrcmp(node->name, reinterpret_cast<const xmlChar*>(name)) == 0;
 }
 
 std::string contentOf(xmlNode* node) {
@@ -78,8 +79,8 @@ public:
                 layout(child, spec);
         }
         if (spec.id == kInvalidWidgetID && (topLevel || isInteractive(spec.kind)))
-            fail(node, "widget \"" + spec.name + "\" (" + spec.qtClass +
-                           ") has no widgetID property");
+            fail(node,
+                 "widget \"" + spec.name + "\" (" + spec.qtClass + ") has no widgetID property");
         return spec;
     }
 

@@ -52,7 +52,8 @@ IPMUnknown* Widget::QueryAddIn(PMIID iid) const {
     return nullptr;
 }
 
-template <typename T> T* Widget::addInOfType() const {
+template <typename T>
+T* Widget::addInOfType() const {
     for (const auto& [id, addIn] : addIns_)
         if (auto* typed = dynamic_cast<T*>(addIn.get()))
             return typed;
@@ -195,7 +196,8 @@ void Widget::ChangeRoot(bool invalidate) {
     }
     // A selected row that is gone is no longer selected.
     std::erase_if(selection_, [&](const NodeID& node) {
-        return std::none_of(rows_.begin(), rows_.end(), [&](const Row& row) { return row.node == node; });
+        return std::none_of(rows_.begin(), rows_.end(),
+                            [&](const Row& row) { return row.node == node; });
     });
     if (invalidate)
         services_.changed(*this);
@@ -220,7 +222,8 @@ void Widget::NodeChanged(const NodeID& node) {
     auto* widgets = addInOfType<ITreeViewWidgetMgr>();
     for (auto& row : rows_)
         if (row.node == node && row.widget && widgets)
-            services_.callPlugin("a tree row", [&] { widgets->ApplyNodeIDToWidget(row.node, row.widget, 0); });
+            services_.callPlugin("a tree row",
+                                 [&] { widgets->ApplyNodeIDToWidget(row.node, row.widget, 0); });
     services_.changed(*this);
 }
 
@@ -267,7 +270,8 @@ IControlView* Widget::AddListElementWidget(const RsrcSpec& element, int32 positi
     made->parent_ = this;
     const auto at = std::clamp<std::size_t>(static_cast<std::size_t>(std::max(position, 0)), 0,
                                             elements_.size());
-    auto inserted = elements_.insert(elements_.begin() + static_cast<std::ptrdiff_t>(at), std::move(made));
+    auto inserted =
+        elements_.insert(elements_.begin() + static_cast<std::ptrdiff_t>(at), std::move(made));
     services_.changed(*this);
     return inserted->get();
 }

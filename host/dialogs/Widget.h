@@ -63,7 +63,9 @@ public:
 
     // Add-ins the host made on this widget.
     void addAddIn(PMIID iid, std::unique_ptr<IPMUnknown> addIn);
-    const std::vector<std::pair<PMIID, std::unique_ptr<IPMUnknown>>>& addIns() const { return addIns_; }
+    const std::vector<std::pair<PMIID, std::unique_ptr<IPMUnknown>>>& addIns() const {
+        return addIns_;
+    }
 
     // A press of a button: its observers hear kTrueStateMessage on IID_IBOOLEANCONTROLDATA.
     void press();
@@ -101,7 +103,8 @@ public:
     std::string displayText() const { return services_.displayText(text_); }
 
     // IProgressBarControlData
-    void SetRange(int16 minimum, int16 maximum, bool invalidate = true, bool notify = true) override;
+    void SetRange(int16 minimum, int16 maximum, bool invalidate = true,
+                  bool notify = true) override;
     void SetValue(int16 value, bool invalidate = true, bool notify = true) override;
     int16 GetMinimum() const override { return minimum_; }
     int16 GetMaximum() const override { return maximum_; }
@@ -146,7 +149,8 @@ private:
     void announceSelection();
     void addRows(ITreeViewHierarchyAdapter& adapter, ITreeViewWidgetMgr& widgets,
                  const NodeID& parent, int level);
-    template <typename T> T* addInOfType() const;
+    template <typename T>
+    T* addInOfType() const;
 
     WidgetServices& services_;
     Widget* parent_;

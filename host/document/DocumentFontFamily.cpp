@@ -3,7 +3,6 @@
 #include "host/document/FontResolver.h"
 #include "host/session/InstalledFont.h"
 
-
 namespace Galley {
 
 void DocumentFontFamily::GetHostFamilyName(PMString& name) const {

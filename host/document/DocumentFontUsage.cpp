@@ -8,7 +8,8 @@ namespace Galley {
 void DocumentFontUsage::Update() {
     missing_.clear();
     used_.clear();
-    for (FontKey& key : collectFontUsage(document_.stories(), document_.styles(), document_.catalog())) {
+    for (FontKey& key :
+         collectFontUsage(document_.stories(), document_.styles(), document_.catalog())) {
         DocumentFontFamily& family = document_.families().familyNamed(key.family);
         family.addFace(key.style);
         bool installed = document_.resolver().installed(key) != nullptr;

@@ -11,8 +11,8 @@
 #include <fcntl.h>
 #include <fstream>
 #include <sstream>
-#include <unordered_map>
 #include <unistd.h>
+#include <unordered_map>
 
 namespace Galley {
 
@@ -58,9 +58,8 @@ std::vector<CatalogFont> fontsNowUsed(IdmlDocument& document) {
 IdmlPackage::Parts partsToWrite(IdmlDocument& document) {
     const IdmlPackage& package = document.package();
     IdmlPackage::Parts parts;
-    parts.push_back({kMimeTypePart, package.contains(kMimeTypePart)
-                                        ? package.inflate(kMimeTypePart)
-                                        : std::string(kIdmlMimeType)});
+    parts.push_back({kMimeTypePart, package.contains(kMimeTypePart) ? package.inflate(kMimeTypePart)
+                                                                    : std::string(kIdmlMimeType)});
     std::unordered_map<std::string, const Story*> changed;
     for (const auto& story : document.stories()) {
         if (story->modified())
@@ -74,7 +73,8 @@ IdmlPackage::Parts partsToWrite(IdmlDocument& document) {
         if (story != changed.end())
             parts.push_back({name, story->second->serialize()});
         else if (modified && name == document.designMap().fontsPart)
-            parts.push_back({name, FontsCatalog::write(fontsNowUsed(document), &document.catalog())});
+            parts.push_back(
+                {name, FontsCatalog::write(fontsNowUsed(document), &document.catalog())});
         else
             parts.push_back({name, package.inflate(name)});
     }

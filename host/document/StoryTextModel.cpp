@@ -49,8 +49,8 @@ const std::vector<const StoryTextModel::RunAttributes*>& StoryTextModel::attribu
             UID family = document_.families().familyNamed(key.family).uid();
             auto& shared = distinct_[{family, key.style}];
             if (!shared)
-                shared = std::make_unique<RunAttributes>(
-                    RunAttributes{FontFamilyAttribute(family), FontFaceAttribute(PMString(key.style))});
+                shared = std::make_unique<RunAttributes>(RunAttributes{
+                    FontFamilyAttribute(family), FontFaceAttribute(PMString(key.style))});
             attributes_.push_back(shared.get());
         }
         cachedRevision_ = story_.revision();

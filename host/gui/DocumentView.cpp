@@ -51,7 +51,8 @@ QString DocumentView::qtFamilyFor(const std::string& file, const std::string& fa
         return found->second;
     QString qtFamily = QString::fromStdString(family);
     const int id = QFontDatabase::addApplicationFont(QString::fromStdString(file));
-    const QStringList families = id >= 0 ? QFontDatabase::applicationFontFamilies(id) : QStringList();
+    const QStringList families =
+        id >= 0 ? QFontDatabase::applicationFontFamilies(id) : QStringList();
     if (!families.isEmpty())
         qtFamily = families.front();
     added_[file] = qtFamily;
@@ -71,11 +72,15 @@ int DocumentView::show(IdmlDocument& document) {
         for (const StoryRun& run : storyModel->story().runs()) {
             std::string text;
             appendText(run.range, text);
-            const ITextAttrUID* familyAttr = scanner->QueryFontFamilyAttribute(run.start, run.start + run.length);
-            const ITextAttrFont* faceAttr = scanner->QueryFontFaceAttribute(run.start, run.start + run.length);
-            IFontFamily* family = familyAttr ? document.InstantiateFontFamily(familyAttr->GetUIDData()) : nullptr;
+            const ITextAttrUID* familyAttr =
+                scanner->QueryFontFamilyAttribute(run.start, run.start + run.length);
+            const ITextAttrFont* faceAttr =
+                scanner->QueryFontFaceAttribute(run.start, run.start + run.length);
+            IFontFamily* family =
+                familyAttr ? document.InstantiateFontFamily(familyAttr->GetUIDData()) : nullptr;
             const PMString face = faceAttr ? faceAttr->GetFontName() : PMString();
-            auto* installed = family ? dynamic_cast<InstalledFont*>(family->QueryFace(face)) : nullptr;
+            auto* installed =
+                family ? dynamic_cast<InstalledFont*>(family->QueryFace(face)) : nullptr;
 
             QTextCharFormat format;
             QFont font = this->font();
@@ -87,7 +92,9 @@ int DocumentView::show(IdmlDocument& document) {
                 ++missingRuns;
                 format.setBackground(missingFontBackground());
                 format.setToolTip(QString("Missing font: %1 %2")
-                                      .arg(family ? QString::fromStdString(family->GetFamilyName().GetUTF8String()) : "?",
+                                      .arg(family ? QString::fromStdString(
+                                                        family->GetFamilyName().GetUTF8String())
+                                                  : "?",
                                            QString::fromStdString(face.GetUTF8String())));
             }
             format.setFont(font);

@@ -43,7 +43,9 @@ int runGui(int argc, char** argv, const std::string& document, const std::string
 
     MainWindow window(runtime);
     presenter.attach(runtime.loop(), &window);
-    presenter.onStatus = [&](const std::string& text) { window.showStatus(QString::fromStdString(text)); };
+    presenter.onStatus = [&](const std::string& text) {
+        window.showStatus(QString::fromStdString(text));
+    };
     presenter.onDocumentChanged = [&](IdmlDocument&) { window.refreshDocument(); };
     presenter.onDialogClosed = [&] { runtime.loop().post([&] { window.refreshDocument(); }); };
     window.show();

@@ -39,7 +39,8 @@ MainWindow::~MainWindow() {
 void MainWindow::buildMenus() {
     QMenu* file = menuBar()->addMenu("&File");
     file->addAction("&Open…", QKeySequence::Open, this, [this] {
-        const QString path = QFileDialog::getOpenFileName(this, "Open", {}, "IDML documents (*.idml)");
+        const QString path =
+            QFileDialog::getOpenFileName(this, "Open", {}, "IDML documents (*.idml)");
         if (!path.isEmpty())
             openLater(path);
     });
@@ -53,8 +54,12 @@ void MainWindow::buildMenus() {
         if (!menu)
             menu = menuBar()->addMenu(QString::fromStdString(item.plugin));
         const std::string name = item.name;
-        menu->addAction(QString::fromStdString(item.title), this,
-                        [this, name] { runtime_.loop().post([this, name] { runtime_.invokeAction(name); refreshDocument(); }); });
+        menu->addAction(QString::fromStdString(item.title), this, [this, name] {
+            runtime_.loop().post([this, name] {
+                runtime_.invokeAction(name);
+                refreshDocument();
+            });
+        });
     }
 }
 
@@ -79,7 +84,8 @@ void MainWindow::saveAs() {
     IdmlDocument* document = runtime_.frontDocument();
     if (!document)
         return;
-    const QString path = QFileDialog::getSaveFileName(this, "Save As", {}, "IDML documents (*.idml)");
+    const QString path =
+        QFileDialog::getSaveFileName(this, "Save As", {}, "IDML documents (*.idml)");
     if (path.isEmpty())
         return;
     try {
@@ -99,8 +105,9 @@ void MainWindow::refreshDocument() {
     document->usage().Update();
     view_->show(*document);
     const int missing = document->usage().GetMissingFontCount();
-    missing_->setText(missing == 0 ? "All fonts installed"
-                                   : QString("%1 missing font%2").arg(missing).arg(missing == 1 ? "" : "s"));
+    missing_->setText(missing == 0
+                          ? "All fonts installed"
+                          : QString("%1 missing font%2").arg(missing).arg(missing == 1 ? "" : "s"));
 }
 
 void MainWindow::showStatus(const QString& text) {

@@ -34,8 +34,8 @@ public:
     void FillRect(const PMRect& rect, const RGBColor& colour) override {
         painter_.fillRect(QRectF(rect.left, rect.top, rect.Width(), rect.Height()), toQt(colour));
     }
-    void DrawText(const std::string& utf8, const PMRect& rect, const std::string& fontName, double pointSize,
-                  const RGBColor& colour) override {
+    void DrawText(const std::string& utf8, const PMRect& rect, const std::string& fontName,
+                  double pointSize, const RGBColor& colour) override {
         QFont font(QString::fromStdString(fontName));
         font.setPointSizeF(pointSize);
         painter_.setFont(font);
@@ -46,7 +46,8 @@ public:
 
 private:
     static QColor toQt(const RGBColor& c) {
-        return QColor::fromRgbF(static_cast<float>(c.red), static_cast<float>(c.green), static_cast<float>(c.blue));
+        return QColor::fromRgbF(static_cast<float>(c.red), static_cast<float>(c.green),
+                                static_cast<float>(c.blue));
     }
     QPainter& painter_;
 };
@@ -54,14 +55,17 @@ private:
 // Lets a plug-in's view draw the widget instead of Qt's style.
 class PluginPainted : public QObject {
 public:
-    PluginPainted(IWidgetView& view, Widget& model, QWidget* target) : QObject(target), view_(view), model_(model) {}
+    PluginPainted(IWidgetView& view, Widget& model, QWidget* target)
+        : QObject(target), view_(view), model_(model) {}
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() != QEvent::Paint)
             return false;
         auto* widget = static_cast<QWidget*>(watched);
         QPainter painter(widget);
         QtGraphicsPort port(painter);
-        view_.Draw(&port, PMRect{0, 0, static_cast<double>(widget->width()), static_cast<double>(widget->height())},
+        view_.Draw(&port,
+                   PMRect{0, 0, static_cast<double>(widget->width()),
+                          static_cast<double>(widget->height())},
                    &model_);
         return true;
     }
@@ -92,16 +96,19 @@ private:
 
 } // namespace
 
-QtDialogView::QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent) : dialog_(dialog), loop_(loop) {
+QtDialogView::QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent)
+    : dialog_(dialog), loop_(loop) {
     QFile file(QString::fromStdString(dialog.descriptionFile()));
     if (!file.open(QIODevice::ReadOnly))
-        throw std::runtime_error("dialog description " + dialog.descriptionFile() + " cannot be read");
+        throw std::runtime_error("dialog description " + dialog.descriptionFile() +
+                                 " cannot be read");
     QUiLoader loader;
     QWidget* loaded = loader.load(&file, parent);
     window_ = qobject_cast<QDialog*>(loaded);
     if (!window_) {
         delete loaded;
-        throw std::runtime_error("dialog description " + dialog.descriptionFile() + " is not a QDialog");
+        throw std::runtime_error("dialog description " + dialog.descriptionFile() +
+                                 " is not a QDialog");
     }
     window_->setWindowTitle(QString::fromStdString(dialog.displayText(PMString(dialog.title()))));
     // A tree of fonts needs room for its columns.
@@ -110,8 +117,9 @@ QtDialogView::QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent) : di
     window_->setWindowModality(Qt::ApplicationModal);
     window_->installEventFilter(new DialogWindowFilter(dialog, loop, window_));
     dialog.root().forEach([&](Widget& model) {
-        QWidget* view = model.GetName().empty() ? nullptr
-                                                : window_->findChild<QWidget*>(QString::fromStdString(model.GetName()));
+        QWidget* view = model.GetName().empty()
+                            ? nullptr
+                            : window_->findChild<QWidget*>(QString::fromStdString(model.GetName()));
         if (&model == &dialog.root())
             view = window_;
         if (view)
@@ -138,8 +146,9 @@ void QtDialogView::bind(Widget& model, QWidget* view) {
     Widget* widget = &model;
     if (auto* button = qobject_cast<QAbstractButton*>(view)) {
         // The window's own default-button handling would press it twice.
-        QObject::connect(button, &QAbstractButton::clicked, this,
-                         [this, dialog, widget] { loop_.post([dialog, widget] { dialog->pressButton(*widget); }); });
+        QObject::connect(button, &QAbstractButton::clicked, this, [this, dialog, widget] {
+            loop_.post([dialog, widget] { dialog->pressButton(*widget); });
+        });
     } else if (auto* tree = qobject_cast<QTreeView*>(view)) {
         auto* rows = new TreeRowsModel(model, tree);
         trees_[&model] = rows;
@@ -147,22 +156,24 @@ void QtDialogView::bind(Widget& model, QWidget* view) {
         tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
         tree->setRootIsDecorated(true);
         tree->setAlternatingRowColors(true);
-        QObject::connect(tree->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this, tree, rows, widget] {
-            if (syncing_)
-                return;
-            std::vector<int> chosen;
-            for (const QModelIndex& index : tree->selectionModel()->selectedRows())
-                chosen.push_back(rows->rowIndex(index));
-            loop_.post([widget, chosen] {
-                widget->DeselectAll(false);
-                for (std::size_t i = 0; i < chosen.size(); ++i)
-                    if (chosen[i] >= 0 && chosen[i] < widget->RowCount())
-                        widget->Select(widget->rows()[static_cast<std::size_t>(chosen[i])].node, true,
-                                       i + 1 == chosen.size());
-                if (chosen.empty())
-                    widget->DeselectAll(true);
+        QObject::connect(
+            tree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this, tree, rows, widget] {
+                if (syncing_)
+                    return;
+                std::vector<int> chosen;
+                for (const QModelIndex& index : tree->selectionModel()->selectedRows())
+                    chosen.push_back(rows->rowIndex(index));
+                loop_.post([widget, chosen] {
+                    widget->DeselectAll(false);
+                    for (std::size_t i = 0; i < chosen.size(); ++i)
+                        if (chosen[i] >= 0 && chosen[i] < widget->RowCount())
+                            widget->Select(widget->rows()[static_cast<std::size_t>(chosen[i])].node,
+                                           true, i + 1 == chosen.size());
+                    if (chosen.empty())
+                        widget->DeselectAll(true);
+                });
             });
-        });
     } else if (auto* bar = qobject_cast<QProgressBar*>(view)) {
         if (auto* painter = dynamic_cast<IWidgetView*>(model.QueryAddIn(IID_IWIDGETVIEW)))
             bar->installEventFilter(new PluginPainted(*painter, model, bar));
@@ -171,10 +182,11 @@ void QtDialogView::bind(Widget& model, QWidget* view) {
             if (!syncing_ && row >= 0)
                 loop_.post([widget, row] { widget->Select(row, true); });
         });
-        QObject::connect(list, &QListWidget::itemDoubleClicked, this, [this, list, widget](QListWidgetItem* item) {
-            const int row = list->row(item);
-            loop_.post([widget, row] { widget->doubleClickElement(row); });
-        });
+        QObject::connect(list, &QListWidget::itemDoubleClicked, this,
+                         [this, list, widget](QListWidgetItem* item) {
+                             const int row = list->row(item);
+                             loop_.post([widget, row] { widget->doubleClickElement(row); });
+                         });
     }
 }
 
@@ -220,7 +232,8 @@ void QtDialogView::syncOne(Widget& model, QWidget* view) {
             for (const NodeID& node : selected)
                 if (model.rows()[r].node == node)
                     tree->selectionModel()->select(rows->indexOfRow(static_cast<int>(r)),
-                                                   QItemSelectionModel::Select | QItemSelectionModel::Rows);
+                                                   QItemSelectionModel::Select |
+                                                       QItemSelectionModel::Rows);
     } else if (auto* list = qobject_cast<QListWidget*>(view)) {
         list->clear();
         for (int32 n = 0; n < model.Length(); ++n) {

@@ -74,7 +74,8 @@ void QtEventLoop::armTimer(SourceId id, std::uint64_t usecFromNow) {
         found->second->timer->stop();
         return;
     }
-    found->second->timer->start(static_cast<int>(std::min<std::uint64_t>((usecFromNow + 999) / 1000, INT32_MAX)));
+    found->second->timer->start(
+        static_cast<int>(std::min<std::uint64_t>((usecFromNow + 999) / 1000, INT32_MAX)));
 }
 
 void QtEventLoop::remove(SourceId id) {
@@ -85,7 +86,8 @@ void QtEventLoop::remove(SourceId id) {
 bool QtEventLoop::iterate(std::uint64_t timeoutUsec) {
     if (ready_.empty()) {
         if (timeoutUsec != noTimeout)
-            waitLimit_->start(static_cast<int>(std::min<std::uint64_t>((timeoutUsec + 999) / 1000, INT32_MAX)));
+            waitLimit_->start(
+                static_cast<int>(std::min<std::uint64_t>((timeoutUsec + 999) / 1000, INT32_MAX)));
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         waitLimit_->stop();
     }
@@ -107,7 +109,8 @@ bool QtEventLoop::iterate(std::uint64_t timeoutUsec) {
 }
 
 void QtEventLoop::wakeUp() {
-    if (auto* dispatcher = QAbstractEventDispatcher::instance(QCoreApplication::instance()->thread()))
+    if (auto* dispatcher =
+            QAbstractEventDispatcher::instance(QCoreApplication::instance()->thread()))
         dispatcher->wakeUp();
 }
 

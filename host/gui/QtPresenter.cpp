@@ -44,9 +44,10 @@ void QtPresenter::dialogClosed(Dialog& dialog) {
         onDialogClosed();
 }
 
-int16 QtPresenter::alert(IAlertPresenter::Kind kind, const std::string& message, const std::string buttons[3],
-                         int16 defaultButton) {
-    QMessageBox box(kind == IAlertPresenter::Kind::information ? QMessageBox::Information : QMessageBox::Warning,
+int16 QtPresenter::alert(IAlertPresenter::Kind kind, const std::string& message,
+                         const std::string buttons[3], int16 defaultButton) {
+    QMessageBox box(kind == IAlertPresenter::Kind::information ? QMessageBox::Information
+                                                               : QMessageBox::Warning,
                     "Galley", QString::fromStdString(message), QMessageBox::NoButton, parent_);
     QAbstractButton* answers[3] = {nullptr, nullptr, nullptr};
     for (int i = 0; i < 3; ++i)

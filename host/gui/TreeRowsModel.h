@@ -32,12 +32,12 @@ public:
 
 private:
     struct Node {
-        int row = -1;     // position in the tree's rows
-        int parent = -1;  // node index of the parent, -1 for top rows
+        int row = -1;    // position in the tree's rows
+        int parent = -1; // node index of the parent, -1 for top rows
         std::vector<int> children;
     };
     Widget& tree_;
-    std::vector<Node> nodes_;      // one per row
+    std::vector<Node> nodes_; // one per row
     std::vector<int> topLevel_;
     TreeTable table_;
 };

@@ -22,8 +22,7 @@ DesignMap DesignMap::parse(const std::string& file, xmlDoc* doc) {
         if (isElement(child, "Story")) {
             if (listed.insert(*source).second)
                 map.storyParts.push_back(*source);
-        }
-        else if (isElement(child, "Fonts"))
+        } else if (isElement(child, "Fonts"))
             map.fontsPart = *source;
         else if (isElement(child, "Styles"))
             map.stylesPart = *source;

@@ -71,10 +71,10 @@ IdmlPackage IdmlPackage::fromBytes(std::string path, std::string bytes,
 
     zip_error_t error;
     zip_error_init(&error);
-    zip_source_t* source = zip_source_buffer_create(package.bytes_->data(),
-                                                    package.bytes_->size(), 0, &error);
-    zip_t* archive = source ? zip_open_from_source(source, ZIP_RDONLY | ZIP_CHECKCONS, &error)
-                            : nullptr;
+    zip_source_t* source =
+        zip_source_buffer_create(package.bytes_->data(), package.bytes_->size(), 0, &error);
+    zip_t* archive =
+        source ? zip_open_from_source(source, ZIP_RDONLY | ZIP_CHECKCONS, &error) : nullptr;
     if (!archive) {
         std::string reason = errorText(&error);
         zip_source_free(source);

@@ -23,8 +23,8 @@ struct StoryRun {
     int start = 0;            // in characters from the story's start
     int length = 0;
     std::shared_ptr<const ParagraphFormat> paragraph; // never null
-    std::string characterStyle;   // the applied character style as written
-    FontReference characterLocal; // set on the CharacterStyleRange
+    std::string characterStyle;                       // the applied character style as written
+    FontReference characterLocal;                     // set on the CharacterStyleRange
 };
 
 // One Stories/*.xml part. Characters are counted as code points of <Content>, plus one for

@@ -48,11 +48,11 @@ struct ParseGuard {
             return true;
         budget->usedNodes += nodes;
         if (partNodes > budget->maxPartNodes)
-            stop(context, "part holds more than " + std::to_string(budget->maxPartNodes) +
-                              " XML nodes");
+            stop(context,
+                 "part holds more than " + std::to_string(budget->maxPartNodes) + " XML nodes");
         else if (budget->usedNodes > budget->maxTotalNodes)
-            stop(context, "package holds more than " + std::to_string(budget->maxTotalNodes) +
-                              " XML nodes");
+            stop(context,
+                 "package holds more than " + std::to_string(budget->maxTotalNodes) + " XML nodes");
         return refusal.empty();
     }
 
@@ -143,7 +143,9 @@ std::optional<std::size_t> elementWithTooManyAttributes(std::string_view data, s
                 } else if (c == '"' || c == '\'') {
                     quote = c;
                 } else if (c == '=' && ++attributes > limit) {
-                    return static_cast<std::size_t>(std::count(data.begin(), data.begin() + i, '\n')) + 1;
+                    return static_cast<std::size_t>(
+                               std::count(data.begin(), data.begin() + i, '\n')) +
+                           1;
                 } else if (c == '>') {
                     break;
                 }
@@ -210,7 +212,8 @@ std::optional<std::string> attribute(const xmlNode* node, const char* name) {
     if (!node || node->type != XML_ELEMENT_NODE)
         return std::nullopt;
     for (const xmlAttr* attr = node->properties; attr; attr = attr->next) {
-        if (attr->ns == nullptr && std::strcmp(reinterpret_cast<const char*>(attr->name), name) == 0) {
+        if (attr->ns == nullptr &&
+            std::strcmp(reinterpret_cast<const char*>(attr->name), name) == 0) {
             std::string text;
             appendText(attr->children, text);
             return text;

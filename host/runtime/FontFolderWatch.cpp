@@ -35,7 +35,8 @@ FontFolderWatch::FontFolderWatch(EventLoop& loop, std::function<void()> onChange
     : loop_(loop), onChange_(std::move(onChange)) {
     fd_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     if (fd_ < 0)
-        throw std::runtime_error(std::string("cannot watch the font folders: ") + std::strerror(errno));
+        throw std::runtime_error(std::string("cannot watch the font folders: ") +
+                                 std::strerror(errno));
     source_ = loop_.watchFd(fd_, POLLIN, [this] { drain(); });
 }
 

@@ -24,7 +24,9 @@ public:
 
     void install(CIdleTask* task, uint32 delayMilliseconds);
     void uninstall(CIdleTask* task);
-    bool isInstalled(const CIdleTask* task) const { return tasks_.count(const_cast<CIdleTask*>(task)) > 0; }
+    bool isInstalled(const CIdleTask* task) const {
+        return tasks_.count(const_cast<CIdleTask*>(task)) > 0;
+    }
 
     // While held, due tasks wait; release runs the ones that came due.
     void hold() { ++holds_; }

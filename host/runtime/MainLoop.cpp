@@ -55,8 +55,9 @@ bool MainLoop::runUntil(const std::function<bool()>& done,
             const auto left = *deadline - Clock::now();
             if (left <= Clock::duration::zero())
                 break;
-            maxWait = std::min(maxWait, std::chrono::duration_cast<std::chrono::microseconds>(left) +
-                                            std::chrono::microseconds(1));
+            maxWait =
+                std::min(maxWait, std::chrono::duration_cast<std::chrono::microseconds>(left) +
+                                      std::chrono::microseconds(1));
         }
         turn(maxWait);
     }

@@ -121,7 +121,8 @@ std::unique_ptr<LoadedPlugin> PluginLoader::load(const std::string& path) {
         refuse(*plugin, reason);
         return plugin;
     }
-    auto entry = reinterpret_cast<GalleyPluginEntry>(dlsym(plugin->handle, GALLEY_PLUGIN_ENTRY_SYMBOL));
+    auto entry =
+        reinterpret_cast<GalleyPluginEntry>(dlsym(plugin->handle, GALLEY_PLUGIN_ENTRY_SYMBOL));
     if (!entry) {
         dlclose(plugin->handle);
         plugin->handle = nullptr;

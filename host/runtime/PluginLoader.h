@@ -21,7 +21,9 @@ struct LoadedPlugin {
     std::string firstError;
     PluginRegistrations registrations;
 
-    const std::string& name() const { return registrations.name.empty() ? path : registrations.name; }
+    const std::string& name() const {
+        return registrations.name.empty() ? path : registrations.name;
+    }
 };
 
 // Finds plug-ins in folders and loads them in steps: dlopen (RTLD_NOW), the exported SDK

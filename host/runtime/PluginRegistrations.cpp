@@ -84,7 +84,8 @@ void PluginRegistrations::RegisterWidgetAddIn(WidgetID widget, PMIID iid, Implem
         widgetAddIns.insert({widget, {iid, impl, factory}});
 }
 
-void PluginRegistrations::RegisterStringTable(const std::string& language, const std::string& file) {
+void PluginRegistrations::RegisterStringTable(const std::string& language,
+                                              const std::string& file) {
     stringTables[language] = file;
 }
 

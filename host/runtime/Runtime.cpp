@@ -20,7 +20,8 @@ namespace {
 
 class DocumentSignal : public ISignalMgr, public IDocumentSignalData {
 public:
-    DocumentSignal(ServiceID service, IDocument* document) : service_(service), document_(document) {}
+    DocumentSignal(ServiceID service, IDocument* document)
+        : service_(service), document_(document) {}
     ServiceID GetServiceID() const override { return service_; }
     IDocumentSignalData* GetDocumentSignalData() const override {
         return const_cast<DocumentSignal*>(this);
@@ -67,10 +68,11 @@ Runtime::Runtime(EventLoop& loop, GalleySession& session, Presenter& presenter, 
         return nullptr;
     });
     if (options_.bus)
-        bus_ = std::make_unique<BusAttachment>(loop_, *options_.bus,
-                                               [this](const std::string& what, const std::function<void()>& call) {
-                                                   callPlugin(what, call);
-                                               });
+        bus_ = std::make_unique<BusAttachment>(
+            loop_, *options_.bus,
+            [this](const std::string& what, const std::function<void()>& call) {
+                callPlugin(what, call);
+            });
     if (options_.watchFontFolders) {
         try {
             fontWatch_ = std::make_unique<FontFolderWatch>(events_, [this] {
@@ -253,8 +255,8 @@ std::vector<Runtime::MenuItem> Runtime::menu() const {
         if (plugin->state != LoadedPlugin::State::running)
             continue;
         for (const auto& entry : plugin->registrations.menu)
-            items.push_back({entry.action, entry.name,
-                             strings_.lookup(entry.titleKey), plugin->name()});
+            items.push_back(
+                {entry.action, entry.name, strings_.lookup(entry.titleKey), plugin->name()});
     }
     return items;
 }
@@ -267,9 +269,8 @@ bool Runtime::invokeAction(const std::string& nameOrID) {
         FrontContext context(document_.get());
         for (const auto& [plugin, component] : actionComponents_)
             if (plugin == item.plugin)
-                callPlugin("the action " + item.name, [&] {
-                    component->DoAction(&context, item.action, Point{}, nullptr);
-                });
+                callPlugin("the action " + item.name,
+                           [&] { component->DoAction(&context, item.action, Point{}, nullptr); });
         return true;
     }
     return false;

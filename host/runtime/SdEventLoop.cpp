@@ -23,7 +23,8 @@ constexpr std::uint64_t timerAccuracyUsec = 1;
 std::uint64_t nowUsec() {
     timespec ts{};
     clock_gettime(CLOCK_MONOTONIC, &ts);
-    return static_cast<std::uint64_t>(ts.tv_sec) * 1000000u + static_cast<std::uint64_t>(ts.tv_nsec) / 1000u;
+    return static_cast<std::uint64_t>(ts.tv_sec) * 1000000u +
+           static_cast<std::uint64_t>(ts.tv_nsec) / 1000u;
 }
 
 } // namespace
@@ -34,7 +35,8 @@ SdEventLoop::SdEventLoop() {
         throw std::runtime_error(std::string("cannot set up the event loop: ") + std::strerror(-r));
     wakeFd_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (wakeFd_ < 0)
-        throw std::runtime_error(std::string("cannot set up the event loop: ") + std::strerror(errno));
+        throw std::runtime_error(std::string("cannot set up the event loop: ") +
+                                 std::strerror(errno));
     wakeSource_ = watchFd(wakeFd_, EPOLLIN, [this] {
         std::uint64_t count = 0;
         while (read(wakeFd_, &count, sizeof count) > 0) {
@@ -76,7 +78,8 @@ EventLoop::SourceId SdEventLoop::watchFd(int fd, std::uint32_t events, Callback 
     source->callback = std::move(onReady);
     int r = sd_event_add_io(event_, &source->handle, fd, events, &SdEventLoop::onIo, source.get());
     if (r < 0)
-        throw std::runtime_error(std::string("cannot watch a file descriptor: ") + std::strerror(-r));
+        throw std::runtime_error(std::string("cannot watch a file descriptor: ") +
+                                 std::strerror(-r));
     const SourceId id = source->id;
     sources_[id] = std::move(source);
     return id;
@@ -93,8 +96,8 @@ EventLoop::SourceId SdEventLoop::addTimer(Callback onExpiry) {
     source->loop = this;
     source->id = nextId_++;
     source->callback = std::move(onExpiry);
-    int r = sd_event_add_time(event_, &source->handle, CLOCK_MONOTONIC, UINT64_MAX, timerAccuracyUsec,
-                              &SdEventLoop::onTime, source.get());
+    int r = sd_event_add_time(event_, &source->handle, CLOCK_MONOTONIC, UINT64_MAX,
+                              timerAccuracyUsec, &SdEventLoop::onTime, source.get());
     if (r < 0)
         throw std::runtime_error(std::string("cannot add a timer: ") + std::strerror(-r));
     sd_event_source_set_enabled(source->handle, SD_EVENT_OFF);

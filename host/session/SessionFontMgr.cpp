@@ -133,9 +133,10 @@ IPMFont* SessionFontMgr::QueryFont(const PMString& name) const {
         return full;
     // "Family Style", where fontconfig's full name says something else ("DejaVu Serif" for
     // the Book face): every split at a blank, the longest family first.
-    for (auto blank = text.rfind(' '); blank != std::string::npos && blank > 0; blank = text.rfind(' ', blank - 1))
-        if (InstalledFont* face = findByFamilyAndStyle(text.substr(0, blank), text.substr(blank + 1),
-                                                        IPMFont::kUnknownFontType))
+    for (auto blank = text.rfind(' '); blank != std::string::npos && blank > 0;
+         blank = text.rfind(' ', blank - 1))
+        if (InstalledFont* face = findByFamilyAndStyle(
+                text.substr(0, blank), text.substr(blank + 1), IPMFont::kUnknownFontType))
             return face;
     if (InstalledFamily* family = familyNamed(text)) {
         if (InstalledFont* regular =
