@@ -18,10 +18,7 @@ using namespace VellumineTest;
 class CommandLineTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::filesystem::create_directories(scratch.path() / "runtime");
-        std::filesystem::permissions(scratch.path() / "runtime", std::filesystem::perms::owner_all);
-        setenv("XDG_DATA_HOME", (scratch.path() / "data").c_str(), 1);
-        setenv("XDG_RUNTIME_DIR", (scratch.path() / "runtime").c_str(), 1);
+        usePrivateXdgFolders(scratch.path());
         setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     }
 
@@ -57,8 +54,7 @@ TEST_F(CommandLineTest, ListsEveryFaceOnOneLineWhateverItsFileIsCalled) {
     const Run listed = run({"list"});
     EXPECT_EQ(listed.status, 0);
     EXPECT_EQ(std::count(listed.out.begin(), listed.out.end(), '\n'), 2);
-    EXPECT_NE(listed.out.find("tab\\there\\nnew line\\x1b.ttf\n"), std::string::npos)
-        << listed.out;
+    EXPECT_NE(listed.out.find("tab\\there\\nnew line\\x1b.ttf\n"), std::string::npos) << listed.out;
 }
 
 TEST_F(CommandLineTest, AutomaticActivationsAreListedDeactivatedTogetherAndCanBeTurnedOff) {
@@ -76,8 +72,7 @@ TEST_F(CommandLineTest, AutomaticActivationsAreListedDeactivatedTogetherAndCanBe
     EXPECT_EQ(run({"list", "--active"}).out.find("DejaVuSans"), std::string::npos);
     EXPECT_NE(run({"list", "--active"}).out.find("NimbusRoman-Regular"), std::string::npos);
 
-    for (const auto& [arguments, expected] :
-         std::vector<std::pair<std::vector<std::string>, int>>{
+    for (const auto& [arguments, expected] : std::vector<std::pair<std::vector<std::string>, int>>{
              {{"config", "auto-activate", "off"}, 0},
              {{"config", "system-fonts", "off"}, 0},
              {{"config", "auto-activate", "maybe"}, 2},

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <map>
+#include <regex>
 #include <sstream>
 
 namespace Vellumine {
@@ -18,33 +19,32 @@ using namespace VellumineTest;
 
 // The values of the element lines of one reply, per <font> block (block 0 is the text
 // before the first font).
-std::vector<std::multimap<std::string, std::string>> replyBlocks(const std::string& reply) {
-    std::vector<std::multimap<std::string, std::string>> blocks(1);
+using Block = std::multimap<std::string, std::string>;
+
+// The values of the element lines of one reply, per <font> block (block 0 is the text
+// before the first font).
+std::vector<Block> replyBlocks(const std::string& reply) {
+    static const std::regex elementLine("<([A-Za-z]+)>(.*)</\\1>");
+    std::vector<Block> blocks(1);
     std::istringstream lines(reply);
+    std::smatch element;
     for (std::string line; std::getline(lines, line);) {
-        const auto open = line.find('>');
         if (line == "<font>") {
             blocks.emplace_back();
-        } else if (line.starts_with('<') && open != std::string::npos) {
-            const std::string name = line.substr(1, open - 1);
-            const std::string close = "</" + name + ">";
-            if (line.size() >= open + 1 + close.size() && line.ends_with(close)) {
-                blocks.back().emplace(name,
-                                      line.substr(open + 1, line.size() - open - 1 - close.size()));
-            }
+        } else if (std::regex_match(line, element, elementLine)) {
+            blocks.back().emplace(element[1], element[2]);
         }
     }
     return blocks;
 }
 
-std::string value(const std::multimap<std::string, std::string>& block, const std::string& name) {
+std::string value(const Block& block, const std::string& name) {
     const auto found = block.find(name);
     return found == block.end() ? "<absent>" : found->second;
 }
 
 // Each "name=value" must be the value of that element in the block.
-void expectElements(const std::multimap<std::string, std::string>& block,
-                    const std::vector<std::string>& pairs) {
+void expectElements(const Block& block, const std::vector<std::string>& pairs) {
     for (const std::string& pair : pairs) {
         const std::string name = pair.substr(0, pair.find('='));
         EXPECT_EQ(name + "=" + value(block, name), pair);
@@ -82,6 +82,11 @@ protected:
                                return 0;
                            }};
     RequestDispatcher dispatcher{catalog, activation, changes};
+
+    Block answerFont(const std::string& fontLines) {
+        return replyBlocks(dispatcher.answer(fontRequest({fontLines}))).at(1);
+    }
+
     std::int64_t type1Id = 0, openTypeId = 0, dejaVuId = 0;
 };
 
@@ -124,18 +129,17 @@ TEST_F(RequestHandlingTest, FallsBackToFamilyAndStyle) {
 }
 
 TEST_F(RequestHandlingTest, AsksToShowItsWindowWhenTheUserHasAChoice) {
-    const std::string anyType =
-        fontRequest({"<syncID>1</syncID>\n<psName>NimbusRoman-Regular</psName>\n"});
-    expectElements(replyBlocks(dispatcher.answer(anyType))[1],
-                   {"typeMatchingCount=2", "showWindow=1"});
+    const std::string anyType = "<syncID>1</syncID>\n<psName>NimbusRoman-Regular</psName>\n";
+    expectElements(answerFont(anyType), {"typeMatchingCount=2", "showWindow=1"});
     ASSERT_TRUE(activation.activate(openTypeId).succeeded());
-    expectElements(replyBlocks(dispatcher.answer(anyType))[1],
+    expectElements(answerFont(anyType),
                    {"showWindow=0", "isTypeMatchingActive=true",
                     "containerID=" + std::to_string(openTypeId)}); // the active one
 }
 
 TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
-    const std::string bold = std::to_string(catalog.facesByPostScriptName("NimbusRoman-Bold")[0].id);
+    const std::string bold =
+        std::to_string(catalog.facesByPostScriptName("NimbusRoman-Bold")[0].id);
     struct Case {
         std::string font;
         std::string activated; // container id, or empty
@@ -147,26 +151,26 @@ TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
              Case{"<psName>X</psName>\n<familyName>NIMBUS ROMAN</familyName>\n"
                   "<styleName>bold</styleName>\n",
                   bold, "0"},
-             Case{"<psName>NimbusRoman-Regular</psName>\n", "", "1"}, // a choice to make
+             Case{"<psName>NimbusRoman-Regular</psName>\n", "", "1"},         // a choice to make
              Case{"<psName>DejaVuSans</psName>\n<type>T1</type>\n", "", "0"}, // other type
          }) {
         SCOPED_TRACE(c.font);
-        const auto blocks = replyBlocks(dispatcher.answer(fontRequest({c.font})));
+        const Block font = answerFont(c.font);
         const auto automatic = catalog.autoActivatedLinks();
         ASSERT_EQ(automatic.size(), c.activated.empty() ? 0u : 1u);
         if (!c.activated.empty()) {
             EXPECT_EQ(std::to_string(automatic[0].faceId) + " " + automatic[0].autoFor,
                       c.activated + " InDn");
-            expectElements(blocks[1], {"isActive=true", "isTypeMatchingActive=true",
-                                       "containerID=" + c.activated});
+            expectElements(
+                font, {"isActive=true", "isTypeMatchingActive=true", "containerID=" + c.activated});
             activation.deactivate(automatic[0].faceId);
         }
-        expectElements(blocks[1], {"showWindow=" + c.showWindow});
+        expectElements(font, {"showWindow=" + c.showWindow});
     }
     EXPECT_EQ(posts, 2); // each automatic activation announced
 
     catalog.setAutoActivation(false);
-    dispatcher.answer(fontRequest({"<psName>DejaVuSans</psName>\n"}));
+    answerFont("<psName>DejaVuSans</psName>\n");
     EXPECT_EQ(catalog.activeFaceCount(), 0);
 }
 
@@ -192,8 +196,8 @@ TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
          {"psName=DejaVuSerif-Bold", "count=1", "typeMatchingCount=0", "isActive=true",
           "isTypeMatchingActive=false"}},
         {"<psName>NimbusRoman-Regular</psName>\n<type>T1</type>\n",
-         {"count=3", "typeMatchingCount=2", "isTypeMatchingActive=true", "containerID=",
-          "showWindow=0"}},
+         {"count=3", "typeMatchingCount=2", "isTypeMatchingActive=true",
+          "containerID=", "showWindow=0"}},
         // The library's OpenType face active (and linked), the Type 1 face on the system.
         {"<psName>NimbusRoman-Bold</psName>\n<type>T1</type>\n",
          {"count=2", "typeMatchingCount=1", "containerID=" + std::to_string(bold),
@@ -202,28 +206,29 @@ TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.font);
-        expectElements(replyBlocks(dispatcher.answer(fontRequest({c.font})))[1], c.expected);
+        expectElements(answerFont(c.font), c.expected);
     }
     EXPECT_EQ(catalog.activeFaceCount(), 1);
     EXPECT_EQ(posts, 0);
-    const auto dejaVu = replyBlocks(dispatcher.answer(fontRequest({cases[0].font})))[1];
+    const auto dejaVu = answerFont(cases[0].font);
     const auto [first, last] = dejaVu.equal_range("description");
     EXPECT_TRUE(std::any_of(first, last, [](const auto& description) {
-        return description.second == dejaVuSans.filename().string() + " in " + dejaVuSans.parent_path().string() +
-                                          ", installed on the system";
+        return description.second == dejaVuSans.filename().string() + " in " +
+                                         dejaVuSans.parent_path().string() +
+                                         ", installed on the system";
     }));
     // Installed since the last request, within the same second: the next request sees it.
-    const std::string c059 = fontRequest({"<psName>C059-Roman</psName>\n<type>OT_T1</type>\n"});
-    expectElements(replyBlocks(dispatcher.answer(c059))[1],
+    const std::string c059 = "<psName>C059-Roman</psName>\n<type>OT_T1</type>\n";
+    expectElements(answerFont(c059),
                    {"count=1", "typeMatchingCount=0", "isTypeMatchingActive=false"}); // Type 1
     std::filesystem::create_symlink(urwOpenTypeFolder / "C059-Roman.otf", installed / "C059.otf");
-    expectElements(replyBlocks(dispatcher.answer(c059))[1],
+    expectElements(answerFont(c059),
                    {"count=2", "typeMatchingCount=1", "isTypeMatchingActive=true"});
 
     catalog.setSystemFonts(false); // the library alone, as before
-    expectElements(replyBlocks(dispatcher.answer(fontRequest({cases[0].font})))[1],
+    expectElements(answerFont(cases[0].font),
                    {"count=1", "isActive=true", "containerID=" + std::to_string(dejaVuId)});
-    expectElements(replyBlocks(dispatcher.answer(fontRequest({cases[1].font})))[1], {"count=0"});
+    expectElements(answerFont(cases[1].font), {"count=0"});
 }
 
 TEST_F(RequestHandlingTest, RepliesStayWithinTheirSizeLimit) {
@@ -281,12 +286,10 @@ TEST_F(RequestHandlingTest, ActivationRequestActivatesOnlyCatalogContainers) {
 }
 
 TEST_F(RequestHandlingTest, ShowAndBuyRequestsAreRecorded) {
-    const auto shown = replyBlocks(dispatcher.answer(
-        "<cmd>showRequest</cmd>\n<targetApp>InDn</targetApp>\n<targetClass>VLM4</targetClass>\n"
-        "<font>\n<containerID>" +
-        std::to_string(dejaVuId) +
-        "</containerID>\n<psName>DejaVuSans</psName>\n</font>\n</cmd>\n"));
-    expectElements(shown[1], {"count=1", "type=TT"});
+    std::string show = fontRequest({"<containerID>" + std::to_string(dejaVuId) +
+                                    "</containerID>\n<psName>DejaVuSans</psName>\n"});
+    show.replace(0, show.find('\n'), "<cmd>showRequest</cmd>");
+    expectElements(replyBlocks(dispatcher.answer(show))[1], {"count=1", "type=TT"});
     const std::string bought = dispatcher.answer(
         "<cmd>buyRequest</cmd>\n<font>\n<psName>Nowhere-Bold</psName>\n</font>\n</cmd>\n");
     EXPECT_NE(bought.find("wish list"), std::string::npos);

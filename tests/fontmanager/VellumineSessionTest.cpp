@@ -111,6 +111,13 @@ protected:
         return status == Platform::Status::ok ? reply : "status " + std::to_string(status);
     }
 
+    // The server still answers an ordinary request.
+    bool servesOn() {
+        return sendRaw("<cmd>fontRequest</cmd>\n<font>\n<psName>DejaVuSans</psName>\n</font>\n"
+                       "</cmd>\n")
+                   .find("<count>1</count>") != std::string::npos;
+    }
+
     VlmTest::PrivateSession session;
     // Scans only the session's font folder, vellumine's own activation folder included, for
     // vellumine (started from here) as for fontconfigFaces(): no system fonts.
@@ -131,13 +138,12 @@ TEST_F(VellumineSession, LaunchedThroughItsDesktopEntryItAnswersAndASecondServer
     request.build();
     ASSERT_NE(request.send(), nullptr) << request.getResult();
     EXPECT_EQ(request.getProtocolVersion(), "2.0");
-    EXPECT_EQ(request.fonts[0]->font.count, 2u);
-    EXPECT_EQ(request.fonts[0]->font.typeMatchingCount, 1u);
-    EXPECT_TRUE(request.fonts[0]->hasTypeMatching);
-    EXPECT_EQ(request.fonts[1]->font.count, 0u);
-    EXPECT_FALSE(request.fonts[1]->hasTypeMatching);
-    EXPECT_EQ(request.fonts[2]->font.count, 1u);
-    EXPECT_EQ(request.fonts[2]->font.typeMatchingCount, 0u);
+    std::string counts;
+    for (const auto& font : request.fonts) {
+        counts += std::to_string(font->font.count) + "/" +
+                  std::to_string(font->font.typeMatchingCount) + " ";
+    }
+    EXPECT_EQ(counts, "2/1 0/0 1/0 ");
 
     EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "serve"}), 3); // a second server refuses
     EXPECT_NE(sendRaw("<cmd>buyRequest</cmd>\n</cmd>\n").find("buyReply"), std::string::npos);
@@ -161,37 +167,9 @@ TEST_F(VellumineSession, ActivationMakesFontconfigListTheFaceAndTellsTheHost) {
     request.send();
     EXPECT_TRUE(request.fonts[0]->font.isTypeMatchingActive);
 
-    hostEvents.clear();
-    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "activate", "DejaVuSans"}), 0);
-    EXPECT_TRUE(waitForHostEvent("VLM4/FSBC"));
-    EXPECT_EQ(fontconfigFaces("DejaVuSans"), 1);
+    // A change made by another vellumine process reaches the host too.
     EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "add", urwOpenTypeFolder.string()}), 0);
     EXPECT_TRUE(waitForHostEvent("VLM4/FFSC"));
-}
-
-TEST_F(VellumineSession, SurvivesHostileRequests) {
-    launch();
-    // (Text that is not UTF-8 never arrives: the bus refuses to carry it.)
-    const std::vector<std::string> hostile = {
-        "",
-        "<?xml version=\"1.0\"?><!DOCTYPE l [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b "
-        "\"&a;&a;&a;&a;&a;&a;&a;&a;\">]><cmd>&b;</cmd>",
-        "<cmd>deleteEverything</cmd>\n</cmd>\n",
-        "<cmd>fontRequest</cmd>\n<font>\n<syncID>1</syncID>\n<syncID>2</syncID>\n</font>\n</cmd>\n",
-        "<cmd>activationRequest</cmd>\n<font>\n<containerID>/etc/passwd</containerID>\n</font>\n"
-        "</cmd>\n",
-        std::string(20 * 1024 * 1024, 'x')};
-    for (const auto& text : hostile) {
-        const std::string reply = sendRaw(text);
-        EXPECT_EQ(reply.rfind("<cmd>", 0), 0u) << reply.substr(0, 100);
-    }
-    std::string unhandled;
-    EXPECT_EQ(host->bus()->send("VLMQ", {"XXXX", "****", "hello"}, unhandled),
-              Platform::Status::notHandled);
-    EXPECT_NE(sendRaw("<cmd>fontRequest</cmd>\n<font>\n<syncID>1</syncID>\n"
-                      "<psName>DejaVuSans</psName>\n</font>\n</cmd>\n")
-                  .find("<count>1</count>"),
-              std::string::npos);
 }
 
 // No choice to make: the reply already reports the font active, fontconfig lists it, the
@@ -214,11 +192,23 @@ TEST_F(VellumineSession, AFontRequestActivatesWhatNeedsNoChoiceAndTellsTheHost) 
     EXPECT_EQ(fontconfigFaces("DejaVuSans"), 0);
 }
 
-// Replies that would not fit into one bus message: a family of several faces asked for
-// tens of thousands of times is answered without the face lists; values that grow when
-// written (each "<" becomes a CDATA section) are refused. The server serves on.
-TEST_F(VellumineSession, ARequestWhoseReplyWouldNotFitTheBusIsAnsweredWithinTheLimit) {
+// Hostile or oversized requests get a reply and the server serves on. Replies that would not
+// fit into one bus message: a family of several faces asked for tens of thousands of times is
+// answered without the face lists; values that grow when written (each "<" becomes a CDATA
+// section) are refused.
+TEST_F(VellumineSession, HostileRequestsAndRepliesTooBigForTheBusAreAnsweredWithinTheLimit) {
     launch();
+    // (Text that is not UTF-8 never arrives: the bus refuses to carry it.)
+    for (const std::string& text :
+         {std::string(), std::string(20 * 1024 * 1024, 'x'),
+          std::string("<?xml version=\"1.0\"?><!DOCTYPE l [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b "
+                      "\"&a;&a;&a;&a;&a;&a;&a;&a;\">]><cmd>&b;</cmd>")}) {
+        const std::string reply = sendRaw(text);
+        EXPECT_EQ(reply.rfind("<cmd>", 0), 0u) << reply.substr(0, 100);
+    }
+    std::string unhandled;
+    EXPECT_EQ(host->bus()->send("VLMQ", {"XXXX", "****", "hello"}, unhandled),
+              Platform::Status::notHandled);
     const auto manyFonts = [](const std::string& font) {
         std::string text = "<cmd>fontRequest</cmd>\n";
         for (int i = 0; i < 40000; ++i) {
@@ -238,10 +228,7 @@ TEST_F(VellumineSession, ARequestWhoseReplyWouldNotFitTheBusIsAnsweredWithinTheL
     EXPECT_TRUE(refused.starts_with("<cmd>errorReply</cmd>")) << refused.substr(0, 200);
     EXPECT_NE(refused.find("ask for fewer fonts"), std::string::npos);
 
-    EXPECT_NE(sendRaw("<cmd>fontRequest</cmd>\n<font>\n<psName>DejaVuSans</psName>\n</font>\n"
-                      "</cmd>\n")
-                  .find("<count>1</count>"),
-              std::string::npos);
+    EXPECT_TRUE(servesOn());
 }
 
 TEST_F(VellumineSession, AnnouncesTheProtocolVersionItIsToldTo) {

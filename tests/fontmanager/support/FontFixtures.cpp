@@ -54,6 +54,17 @@ std::string readFile(const std::filesystem::path& file) {
     return bytes.str();
 }
 
+void usePrivateXdgFolders(const std::filesystem::path& root) {
+    std::filesystem::create_directories(root / "runtime");
+    std::filesystem::permissions(root / "runtime", std::filesystem::perms::owner_all);
+    setenv("XDG_DATA_HOME", (root / "data").c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", (root / "runtime").c_str(), 1);
+}
+
+bool absent(const std::filesystem::path& path) {
+    return !std::filesystem::exists(std::filesystem::symlink_status(path));
+}
+
 namespace {
 
 std::uint32_t read32(const std::string& bytes, std::size_t at) {

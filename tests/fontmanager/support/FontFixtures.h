@@ -52,6 +52,12 @@ private:
 
 std::string readFile(const std::filesystem::path& file);
 
+// Points XDG_DATA_HOME and XDG_RUNTIME_DIR below `root`, so that the library is a fresh one.
+void usePrivateXdgFolders(const std::filesystem::path& root);
+
+// Whether nothing, not even a dangling link, is at `path`.
+bool absent(const std::filesystem::path& path);
+
 // A TrueType collection made of whole sfnt files, with the table offsets moved to where
 // the tables land in the collection.
 std::string makeCollection(const std::vector<std::filesystem::path>& fonts);
