@@ -88,9 +88,10 @@ std::string renderProgressBar(const Widget& bar, int width) {
     const int range = std::max(0, bar.GetMaximum() - bar.GetMinimum());
     const int value = std::clamp(bar.GetValue() - bar.GetMinimum(), 0, range);
     const int filled = range == 0 ? 0 : value * width / range;
+    // Only the bar: the counts are the dialog's to say in its own words (its range before
+    // the first update is a placeholder a user should not read as a count).
     return "[" + std::string(static_cast<std::size_t>(filled), '#') +
-           std::string(static_cast<std::size_t>(width - filled), '.') + "] " +
-           std::to_string(value) + "/" + std::to_string(range);
+           std::string(static_cast<std::size_t>(width - filled), '.') + "]";
 }
 
 namespace {

@@ -11,7 +11,7 @@ class Widget;
 // Dialogs as text, for batch mode on a terminal or in a log.
 //
 // A dialog is its title, then its widgets in description order: labels and edit fields as
-// their text, a progress bar as "[#####.....] 5/10", a tree as a table (one line per row,
+// their text, a progress bar as "[#####.....]", a tree as a table (one line per row,
 // indented two spaces per level, the row's texts in aligned columns, "*" before selected
 // rows), a list box as its entries ("*" before the selected one), and the buttons on one
 // line ("[Activate]", "(Buy)" when disabled).

@@ -10,30 +10,9 @@
 #include <QFontDatabase>
 #include <QTextCursor>
 
-#include <libxml/tree.h>
 
 namespace Galley {
 
-namespace {
-
-// The characters of a CharacterStyleRange: its Content, a line break for each Br.
-void appendText(const xmlNode* node, std::string& text) {
-    for (const xmlNode* child = node->children; child; child = child->next) {
-        if (child->type != XML_ELEMENT_NODE)
-            continue;
-        const std::string name = reinterpret_cast<const char*>(child->name);
-        if (name == "Content") {
-            xmlChar* content = xmlNodeGetContent(child);
-            if (content)
-                text += reinterpret_cast<const char*>(content);
-            xmlFree(content);
-        } else if (name == "Br") {
-            text += '\n';
-        }
-    }
-}
-
-} // namespace
 
 DocumentView::DocumentView(QWidget* parent) : QTextEdit(parent) {
     setReadOnly(true);
@@ -70,8 +49,7 @@ int DocumentView::show(IdmlDocument& document) {
             continue;
         IComposeScanner* scanner = model->QueryComposeScanner();
         for (const StoryRun& run : storyModel->story().runs()) {
-            std::string text;
-            appendText(run.range, text);
+            const std::string text = Story::text(run);
             const ITextAttrUID* familyAttr =
                 scanner->QueryFontFamilyAttribute(run.start, run.start + run.length);
             const ITextAttrFont* faceAttr =

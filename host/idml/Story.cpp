@@ -43,6 +43,16 @@ int characterCount(const xmlNode* child) {
     return 0;
 }
 
+// The characters `characterCount` counts, as text: a line break for Br, and a space for a
+// special character (a page number, a tab and the like, which only layout would fill in).
+std::string characters(const xmlNode* child) {
+    if (isElement(child, "Content"))
+        return textContent(child);
+    if (isElement(child, "Br"))
+        return "\n";
+    return isSpecialCharacter(child) ? " " : "";
+}
+
 void setText(xmlNode* element, const std::string& text) {
     xmlNodeSetContent(element, nullptr);
     xmlAddChild(element, xmlNewDocText(element->doc, xml(text.c_str())));
@@ -201,6 +211,13 @@ bool Story::applyLocalFont(int start, int length, const FontReference& font) {
     modified_ = true;
     ++revision_;
     return true;
+}
+
+std::string Story::text(const StoryRun& run) {
+    std::string text;
+    for (const xmlNode* item = run.range ? run.range->children : nullptr; item; item = item->next)
+        text += characters(item);
+    return text;
 }
 
 } // namespace Galley

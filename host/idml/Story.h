@@ -43,6 +43,8 @@ public:
     const std::vector<StoryRun>& runs() const { return runs_; }
     int length() const { return length_; }
     bool modified() const { return modified_; }
+    // The run's characters, as many as its length counts.
+    static std::string text(const StoryRun& run);
     void markSaved() { modified_ = false; }
     // Changes with every edit, so that views of the runs know when to rebuild.
     unsigned revision() const { return revision_; }
