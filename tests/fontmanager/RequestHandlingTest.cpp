@@ -119,15 +119,6 @@ TEST_F(RequestHandlingTest, FontPresentInTheRequestedTypeInAnotherTypeOrAbsent) 
     EXPECT_EQ(value(blocks[3], "showWindow"), "0"); // trailing element after the last font
 }
 
-TEST_F(RequestHandlingTest, FallsBackToFamilyAndStyle) {
-    const auto blocks = replyBlocks(dispatcher.answer(fontRequest(
-        {"<syncID>a</syncID>\n<psName>NimbusRom-Bd</psName>\n"
-         "<familyName>nimbus roman</familyName>\n<styleName>Bold</styleName>\n",
-         "<syncID>b</syncID>\n<psName></psName>\n<familyName>Nimbus Roman</familyName>\n"})));
-    expectElements(blocks[1], {"count=1", "type=OT_T1"}); // no type asked: the offered face's
-    expectElements(blocks[2], {"count=2", "psName=NimbusRoman-Regular"}); // no style: regular
-}
-
 TEST_F(RequestHandlingTest, AsksToShowItsWindowWhenTheUserHasAChoice) {
     const std::string anyType = "<syncID>1</syncID>\n<psName>NimbusRoman-Regular</psName>\n";
     expectElements(answerFont(anyType), {"typeMatchingCount=2", "showWindow=1"});
@@ -143,16 +134,22 @@ TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
     struct Case {
         std::string font;
         std::string activated; // container id, or empty
-        std::string showWindow;
+        std::vector<std::string> expected;
     };
     for (const Case& c : {
              Case{"<psName>NimbusRoman-Regular</psName>\n<type>OT_T1</type>\n",
-                  std::to_string(openTypeId), "0"},
-             Case{"<psName>X</psName>\n<familyName>NIMBUS ROMAN</familyName>\n"
+                  std::to_string(openTypeId),
+                  {"showWindow=0"}},
+             // Unknown PostScript name: family and style decide; no type asked, the face's.
+             Case{"<psName>NimbusRom-Bd</psName>\n<familyName>NIMBUS ROMAN</familyName>\n"
                   "<styleName>bold</styleName>\n",
-                  bold, "0"},
-             Case{"<psName>NimbusRoman-Regular</psName>\n", "", "1"},         // a choice to make
-             Case{"<psName>DejaVuSans</psName>\n<type>T1</type>\n", "", "0"}, // other type
+                  bold,
+                  {"showWindow=0", "count=1", "type=OT_T1"}},
+             // No style: the regular face, of two types, so a choice to make.
+             Case{"<psName></psName>\n<familyName>Nimbus Roman</familyName>\n",
+                  "",
+                  {"showWindow=1", "count=2", "psName=NimbusRoman-Regular"}},
+             Case{"<psName>DejaVuSans</psName>\n<type>T1</type>\n", "", {"showWindow=0"}},
          }) {
         SCOPED_TRACE(c.font);
         const Block font = answerFont(c.font);
@@ -165,7 +162,7 @@ TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
                 font, {"isActive=true", "isTypeMatchingActive=true", "containerID=" + c.activated});
             activation.deactivate(automatic[0].faceId);
         }
-        expectElements(font, {"showWindow=" + c.showWindow});
+        expectElements(font, c.expected);
     }
     EXPECT_EQ(posts, 2); // each automatic activation announced
 

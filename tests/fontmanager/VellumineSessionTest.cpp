@@ -41,9 +41,8 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(session.ok()) << session.error();
         installLauncher(session.dataHome(), VELLUMINE_EXECUTABLE);
-        paths = LibraryPaths::fromEnvironment();
         {
-            Catalog catalog(paths.catalogFile());
+            Catalog catalog(LibraryPaths::fromEnvironment().catalogFile());
             FaceReader reader;
             LibraryImporter(catalog, reader)
                 .add({nimbusRomanType1, nimbusRomanOpenType, dejaVuSans});
@@ -122,7 +121,6 @@ protected:
     // Scans only the session's font folder, vellumine's own activation folder included, for
     // vellumine (started from here) as for fontconfigFaces(): no system fonts.
     PrivateFontconfig fontconfig{{session.dataHome() + "/fonts"}};
-    LibraryPaths paths;
     std::unique_ptr<Platform::Linux::DefaultServices> host;
     std::vector<std::string> hostEvents;
 };
