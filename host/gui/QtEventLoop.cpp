@@ -19,11 +19,6 @@ QtEventLoop::QtEventLoop() : waitLimit_(std::make_unique<QTimer>()) {
 
 QtEventLoop::~QtEventLoop() = default;
 
-void QtEventLoop::markReady(SourceId id) {
-    if (std::find(ready_.begin(), ready_.end(), id) == ready_.end())
-        ready_.push_back(id);
-}
-
 EventLoop::SourceId QtEventLoop::watchFd(int fd, std::uint32_t events, Callback onReady) {
     auto source = std::make_unique<Source>();
     const SourceId id = nextId_++;
@@ -38,7 +33,7 @@ EventLoop::SourceId QtEventLoop::watchFd(int fd, std::uint32_t events, Callback 
                 found->second->read->setEnabled(false);
                 found->second->write->setEnabled(false);
             }
-            markReady(id);
+            ready_.mark(id);
         });
     sources_[id] = std::move(source);
     setFdEvents(id, events);
@@ -61,7 +56,7 @@ EventLoop::SourceId QtEventLoop::addTimer(Callback onExpiry) {
     source->timer = std::make_unique<QTimer>();
     source->timer->setSingleShot(true);
     source->timer->setTimerType(Qt::PreciseTimer);
-    QObject::connect(source->timer.get(), &QTimer::timeout, this, [this, id] { markReady(id); });
+    QObject::connect(source->timer.get(), &QTimer::timeout, this, [this, id] { ready_.mark(id); });
     sources_[id] = std::move(source);
     return id;
 }
@@ -80,7 +75,7 @@ void QtEventLoop::armTimer(SourceId id, std::uint64_t usecFromNow) {
 
 void QtEventLoop::remove(SourceId id) {
     sources_.erase(id);
-    std::erase(ready_, id);
+    ready_.forget(id);
 }
 
 bool QtEventLoop::iterate(std::uint64_t timeoutUsec) {
@@ -93,18 +88,16 @@ bool QtEventLoop::iterate(std::uint64_t timeoutUsec) {
     }
     // Deferred deletions of Qt objects happen at this level too.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    std::vector<SourceId> ready;
-    ready.swap(ready_);
-    for (SourceId id : ready) {
+    ready_.runAll([this](SourceId id) {
         auto found = sources_.find(id);
         if (found == sources_.end())
-            continue;
+            return;
         Callback callback = found->second->callback;
         callback();
         found = sources_.find(id); // the callback may have removed it
         if (found != sources_.end() && found->second->read)
             setFdEvents(id, found->second->events);
-    }
+    });
     return true;
 }
 

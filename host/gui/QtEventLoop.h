@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/runtime/EventLoop.h"
+#include "host/runtime/ReadySources.h"
 
 #include <QObject>
 
@@ -37,11 +38,10 @@ private:
         std::unique_ptr<QSocketNotifier> read, write;
         std::unique_ptr<QTimer> timer;
     };
-    void markReady(SourceId id);
 
     SourceId nextId_ = 1;
     std::map<SourceId, std::unique_ptr<Source>> sources_;
-    std::vector<SourceId> ready_;
+    ReadySources ready_;
     std::unique_ptr<QTimer> waitLimit_;
 };
 

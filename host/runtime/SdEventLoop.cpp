@@ -55,20 +55,15 @@ SdEventLoop::~SdEventLoop() {
 
 int SdEventLoop::onIo(sd_event_source*, int, std::uint32_t, void* userdata) {
     auto* source = static_cast<Source*>(userdata);
-    source->loop->markReady(source->id);
+    source->loop->ready_.mark(source->id);
     return 0;
 }
 
 int SdEventLoop::onTime(sd_event_source* handle, std::uint64_t, void* userdata) {
     auto* source = static_cast<Source*>(userdata);
     sd_event_source_set_enabled(handle, SD_EVENT_OFF);
-    source->loop->markReady(source->id);
+    source->loop->ready_.mark(source->id);
     return 0;
-}
-
-void SdEventLoop::markReady(SourceId id) {
-    if (std::find(ready_.begin(), ready_.end(), id) == ready_.end())
-        ready_.push_back(id);
 }
 
 EventLoop::SourceId SdEventLoop::watchFd(int fd, std::uint32_t events, Callback onReady) {
@@ -126,24 +121,21 @@ void SdEventLoop::remove(SourceId id) {
         return;
     sd_event_source_disable_unref(found->second->handle);
     sources_.erase(found);
-    std::erase(ready_, id);
+    ready_.forget(id);
 }
 
 bool SdEventLoop::iterate(std::uint64_t timeoutUsec) {
     int r = sd_event_run(event_, timeoutUsec);
     if (r < 0 && r != -EINTR)
         return false;
-    // Run what became ready outside sd-event's dispatch, so that a callback may iterate
-    // again (a nested modal wait). A source removed by an earlier callback is skipped.
-    std::vector<SourceId> ready;
-    ready.swap(ready_);
-    for (SourceId id : ready) {
+    // A source removed by an earlier callback is skipped.
+    ready_.runAll([this](SourceId id) {
         auto found = sources_.find(id);
         if (found == sources_.end())
-            continue;
+            return;
         Callback callback = found->second->callback; // the source may go away while it runs
         callback();
-    }
+    });
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/runtime/EventLoop.h"
+#include "host/runtime/ReadySources.h"
 
 #include <map>
 #include <memory>
@@ -38,14 +39,13 @@ private:
     };
     static int onIo(sd_event_source*, int, std::uint32_t, void* userdata);
     static int onTime(sd_event_source*, std::uint64_t, void* userdata);
-    void markReady(SourceId id);
 
     sd_event* event_ = nullptr;
     int wakeFd_ = -1;
     SourceId wakeSource_ = 0;
     SourceId nextId_ = 1;
     std::map<SourceId, std::unique_ptr<Source>> sources_;
-    std::vector<SourceId> ready_;
+    ReadySources ready_;
 };
 
 } // namespace Galley
