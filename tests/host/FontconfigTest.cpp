@@ -12,24 +12,17 @@ const std::string kDejaVu = "/usr/share/fonts/truetype/dejavu/";
 
 using Fontconfig = HostTest::SessionTest<HostTest::FontconfigWorld>;
 
-TEST_F(Fontconfig, ListsOnlyThePrivateFacesWithTheirTypes) {
-    faces.link(kType1 + "NimbusRoman-Regular.t1");
-    faces.link(kOpenType + "NimbusSans-Bold.otf");
-    faces.link(kDejaVu + "DejaVuSans.ttf");
-    ASSERT_EQ(fonts().GetFontCount(false, IFontMgr::kAllFonts), 3);
-    for (auto [name, type] : {std::pair{"NimbusRoman-Regular", IPMFont::kType1},
-                              {"NimbusSans-Bold", IPMFont::kOpenTypeCFF},
-                              {"DejaVuSans", IPMFont::kTrueType}}) {
-        IPMFont* font = fonts().QueryFont(PMString(name));
-        EXPECT_EQ(font ? font->GetFontType() : IPMFont::kUnknownFontType, type) << name;
-    }
-    EXPECT_EQ(fonts().QueryFont(PMString("DejaVuSans-Bold")), nullptr); // a substitute is no match
-}
-
+// Only the private faces are listed; names and types come from the installed face when
+// there is one, else from the document.
 TEST_F(Fontconfig, MissingAgainstInstalledWithNamesAndTypesFromTheRightSide) {
     faces.link(kType1 + "NimbusRoman-Regular.t1");
     faces.link(kOpenType + "NimbusRoman-Regular.otf");
     faces.link(kDejaVu + "DejaVuSerif.ttf");
+    faces.link(kType1 + "NimbusSans-Regular.t1");
+    ASSERT_EQ(fonts().GetFontCount(false, IFontMgr::kAllFonts), 4);
+    IPMFont* type1 = fonts().QueryFont(PMString("NimbusSans-Regular"));
+    EXPECT_EQ(type1 ? type1->GetFontType() : IPMFont::kUnknownFontType, IPMFont::kType1);
+    EXPECT_EQ(fonts().QueryFont(PMString("DejaVuSerif-Bold")), nullptr); // a substitute is no match
     auto doc = open(R"(
 font "Nimbus Roman" Regular NimbusRoman-Regular OpenTypeCFF
 font "Brand Grotesk" Medium BrandGrotesk-Medium OpenTypeTT
@@ -43,13 +36,15 @@ run font="DejaVu Serif" style=Book text="c"
     EXPECT_EQ(HostTest::usageNames(doc->usage().used()),
               (Strings{"Nimbus Roman/Regular", "DejaVu Serif/Book"}));
     EXPECT_EQ(HostTest::usageNames(doc->usage().missing()), (Strings{"Brand Grotesk/Medium"}));
-    const auto& resolver = doc->resolver();
-    // Both formats are installed; the document asked for OpenType CFF.
-    EXPECT_EQ(resolver.type({"Nimbus Roman", "Regular"}), IPMFont::kOpenTypeCFF);
-    EXPECT_EQ(resolver.postscriptName({"DejaVu Serif", "Book"}), "DejaVuSerif");
-    EXPECT_EQ(resolver.type({"DejaVu Serif", "Book"}), IPMFont::kTrueType);
-    EXPECT_EQ(resolver.postscriptName({"Brand Grotesk", "Medium"}), "BrandGrotesk-Medium");
-    EXPECT_EQ(resolver.type({"Brand Grotesk", "Medium"}), IPMFont::kOpenTypeTT);
+    // Both formats of Nimbus Roman are installed; the document asked for OpenType CFF.
+    for (auto [key, postscript, type] :
+         {std::tuple<Galley::FontKey, std::string, IPMFont::FontType>{
+              {"Nimbus Roman", "Regular"}, "NimbusRoman-Regular", IPMFont::kOpenTypeCFF},
+          {{"DejaVu Serif", "Book"}, "DejaVuSerif", IPMFont::kTrueType},
+          {{"Brand Grotesk", "Medium"}, "BrandGrotesk-Medium", IPMFont::kOpenTypeTT}}) {
+        EXPECT_EQ(doc->resolver().postscriptName(key), postscript);
+        EXPECT_EQ(doc->resolver().type(key), type) << postscript;
+    }
 }
 
 TEST_F(Fontconfig, FontLinkedWithinTheSameSecondIsSeenAndAnnounced) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <sys/wait.h>
+#include <tuple>
 
 namespace {
 
@@ -51,26 +52,23 @@ run font="Quote \"Q\" Sans" style=Bold text="b"
                                  "\"type\": \"Type 1\", \"status\": \"installed\"}]}\n");
 }
 
-TEST_F(FontsCommand, TableAndExitZeroWhenNothingIsMissing) {
-    const char* description = "story\npara font=\"Nimbus Sans\" style=Regular\nrun text=a\n";
-    Result result = run("fonts " + HostTest::writeDescribed(dir, description));
-    EXPECT_EQ(result.status, 0);
-    EXPECT_NE(result.output.find("Nimbus Sans  Regular  NimbusSans-Regular  Type 1  installed"),
-              std::string::npos)
-        << result.output;
-}
-
-TEST_F(FontsCommand, ErrorsExitTwoWithTheFileAndPart) {
-    IdmlTestKit::DocumentDef doc;
-    doc.replacedParts = {{"Resources/Styles.xml", "<oops"}};
-    IdmlTestKit::writeIdml(doc, dir.file("bad.idml"));
-    Result result = run("fonts " + dir.file("bad.idml"));
-    EXPECT_EQ(result.status, 2);
-    EXPECT_NE(result.output.find(dir.file("bad.idml") + ": Resources/Styles.xml: malformed XML"),
-              std::string::npos)
-        << result.output;
-    EXPECT_EQ(run("fonts").status, 2);
-    EXPECT_EQ(run("fonts " + dir.file("absent.idml")).status, 2);
+// Nothing missing exits 0 with the table; bad input exits 2 naming the file and the part.
+TEST_F(FontsCommand, TableExitsZeroAndErrorsExitTwoWithTheFileAndPart) {
+    IdmlTestKit::DocumentDef bad;
+    bad.replacedParts = {{"Resources/Styles.xml", "<oops"}};
+    IdmlTestKit::writeIdml(bad, dir.file("bad.idml"));
+    const char* fine = "story\npara font=\"Nimbus Sans\" style=Regular\nrun text=a\n";
+    for (auto [arguments, status, shown] :
+         {std::tuple<std::string, int, std::string>{
+              HostTest::writeDescribed(dir, fine), 0,
+              "Nimbus Sans  Regular  NimbusSans-Regular  Type 1  installed"},
+          {dir.file("bad.idml"), 2, dir.file("bad.idml") + ": Resources/Styles.xml: malformed XML"},
+          {"", 2, ""},
+          {dir.file("absent.idml"), 2, dir.file("absent.idml")}}) {
+        Result result = run("fonts " + arguments);
+        EXPECT_EQ(result.status, status) << arguments;
+        EXPECT_NE(result.output.find(shown), std::string::npos) << result.output;
+    }
 }
 
 } // namespace

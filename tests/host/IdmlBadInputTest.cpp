@@ -82,10 +82,6 @@ TEST_F(BadInput, EachFaultNamesItsPart) {
     }
 }
 
-} // namespace
-
-namespace {
-
 // Each attack is refused early, naming its part, or read within the limits. What each costs
 // in memory and time is measured by bench/idml_hostile_bench.
 TEST_F(BadInput, HostileDocumentsAreRefusedEarlyOrReadOnce) {

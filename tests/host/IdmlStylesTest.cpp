@@ -5,6 +5,7 @@
 namespace {
 
 using StyleResolution = HostTest::SessionTest<HostTest::FixedFaces>;
+using Strings = std::vector<std::string>;
 
 // Local attributes (both forms) beat the character style chain, which beats paragraph-level
 // attributes and then the paragraph style chain; with none of them, the application default.
@@ -35,10 +36,9 @@ run text="i"
 )");
     EXPECT_EQ(
         HostTest::runFonts(*doc),
-        (std::vector<std::string>{
-            "Nimbus Roman/Bold", "DejaVu Sans/Bold", "Para Local/Regular", "Para Local/Italic",
-            "Para Local/Bold", "Run Font/Bold Italic", "Nimbus Sans/Italic", "Ignored/Light",
-            std::string(Galley::kDefaultFontFamily) + "/" + Galley::kDefaultFontStyle}));
+        (Strings{"Nimbus Roman/Bold", "DejaVu Sans/Bold", "Para Local/Regular", "Para Local/Italic",
+                 "Para Local/Bold", "Run Font/Bold Italic", "Nimbus Sans/Italic", "Ignored/Light",
+                 std::string(Galley::kDefaultFontFamily) + "/" + Galley::kDefaultFontStyle}));
 }
 
 TEST_F(StyleResolution, RunsCountCharactersBreaksAndSkipEmptyRanges) {
@@ -55,12 +55,6 @@ TEST_F(StyleResolution, DomVersionDecidesWhetherTheDocumentWasConverted) {
         EXPECT_EQ(open("dom " + std::string(dom) + "\nstory\n")->IsConverted(), converted) << dom;
     EXPECT_TRUE(Galley::isConvertedOnOpen(""));
 }
-
-} // namespace
-
-namespace {
-
-using Strings = std::vector<std::string>;
 
 // Every shape of an exported document: the root style's defaults, BasedOn by Name and by
 // Self in style groups, and text in an XML element, a footnote, a table cell, a note and an

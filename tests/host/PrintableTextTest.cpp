@@ -24,8 +24,7 @@ TEST(PrintableText, NoNameBreaksTheTableOrTheJson) {
         {"c1 \xC2\x85", "c1 \\u0085", "\"c1 \xC2\x85\""},
         // overlong, surrogate, beyond U+10FFFF, cut short: every byte stands alone
         {"\xC0\xAF\xED\xA0\x80\xF4\x90\x80\x80\xE6\x96",
-         "\\xc0\\xaf\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80\\xe6\\x96",
-         "\"" + replacements(11) + "\""},
+         "\\xc0\\xaf\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80\\xe6\\x96", "\"" + replacements(11) + "\""},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(Galley::printableText(c.name), c.table) << c.name;

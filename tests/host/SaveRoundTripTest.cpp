@@ -98,21 +98,20 @@ TEST_F(SaveRoundTrip, UnmodifiedDocumentSavesEveryPartUnchanged) {
     EXPECT_EQ(readParts(saved), readParts(original));
 }
 
-TEST_F(SaveRoundTrip, FailingSaveLeavesTheOriginalAndNoLitter) {
+// A failing save keeps the original and leaves no litter; the original is replaced only
+// when asked for, and then whole.
+TEST_F(SaveRoundTrip, FailingSaveLeavesTheOriginalAndOverwritingNeedsToBeAsked) {
     const std::string bytes = HostTest::readFile(original);
     auto doc = openReplaced();
     std::filesystem::create_directory(dir.file("occupied"));
-    for (const std::string& target : {dir.file("occupied"), dir.file("no/such/folder/x.idml"),
-                                      original}) // the original only when asked for
+    for (const std::string& target :
+         {dir.file("occupied"), dir.file("no/such/folder/x.idml"), original})
         EXPECT_THROW(Galley::saveDocumentAs(*doc, target), Galley::IdmlError) << target;
 
     EXPECT_EQ(HostTest::readFile(original), bytes);
     EXPECT_TRUE(doc->IsModified());
-    EXPECT_EQ(dir.entries(), 2); // the original and "occupied": no litter
-}
-
-TEST_F(SaveRoundTrip, OverwritingTheOriginalWhenAskedReplacesItWhole) {
-    Galley::saveDocumentAs(*openReplaced(), original, {.overwriteOriginal = true});
+    EXPECT_EQ(dir.entries(), 2); // the original and "occupied"
+    Galley::saveDocumentAs(*doc, original, {.overwriteOriginal = true});
     EXPECT_TRUE(Galley::IdmlDocument::open(original, fonts())->usage().missing().empty());
 }
 

@@ -39,16 +39,16 @@ TEST(DesktopEntryExec, FieldCodesExpandOrDisappear) {
 }
 
 TEST(DesktopEntryExec, MalformedLinesAreRefusedWithAReason) {
-    auto refused = [](const char* why) { return ElementsAre("refused", HasSubstr(why)); };
-    EXPECT_THAT(exec(R"(app "unterminated)"), refused("unterminated"));
-    EXPECT_THAT(exec(R"(app "quoted"glued)"), refused("closing quote"));
-    EXPECT_THAT(exec(R"(app mid"dle)"), refused("unquoted"));
-    EXPECT_THAT(exec(R"(app "\a")"), refused("escape"));
-    EXPECT_THAT(exec("app %x"), refused("%x"));
-    EXPECT_THAT(exec("app 5%"), refused("lone %"));
-    EXPECT_THAT(exec("app --icon=%i"), refused("%i"));
-    EXPECT_THAT(exec(""), refused("no program"));
-    EXPECT_THAT(exec("%f %U"), refused("no program"));
+    for (auto [line, why] : {std::pair{R"(app "unterminated)", "unterminated"},
+                             {R"(app "quoted"glued)", "closing quote"},
+                             {R"(app mid"dle)", "unquoted"},
+                             {R"(app "\a")", "escape"},
+                             {"app %x", "%x"},
+                             {"app 5%", "lone %"},
+                             {"app --icon=%i", "%i"},
+                             {"", "no program"},
+                             {"%f %U", "no program"}})
+        EXPECT_THAT(exec(line), ElementsAre("refused", HasSubstr(why))) << line;
 }
 
 TEST(DesktopEntryGroup, ReadsOnlyTheUnlocalisedKeysOfADesktopEntry) {
@@ -63,13 +63,14 @@ TEST(DesktopEntryGroup, ReadsOnlyTheUnlocalisedKeysOfADesktopEntry) {
               (std::map<std::string, std::string>{
                   {"Type", "Application"}, {"Name", "Vellumine"}, {"Exec", "vellumine serve "}}));
 
-    EXPECT_FALSE(DesktopEntry::parseGroup("[Other]\nExec=x\n", keys, error));
-    EXPECT_NE(error.find("no [Desktop Entry]"), std::string::npos);
-    EXPECT_FALSE(DesktopEntry::parseGroup("Exec=before any group\n[Desktop Entry]\n", keys, error));
-    EXPECT_NE(error.find("line 1"), std::string::npos);
-    EXPECT_FALSE(DesktopEntry::parseGroup("[Desktop Entry]\njust words\n", keys, error));
-    EXPECT_NE(error.find("line 2"), std::string::npos);
-    EXPECT_FALSE(DesktopEntry::parseGroup(std::string("\0\xff\xfe", 3), keys, error));
+    for (auto [bad, why] :
+         {std::pair<std::string, std::string>{"[Other]\nExec=x\n", "no [Desktop Entry]"},
+          {"Exec=before any group\n[Desktop Entry]\n", "line 1"},
+          {"[Desktop Entry]\njust words\n", "line 2"},
+          {std::string("\0\xff\xfe", 3), ""}}) {
+        EXPECT_FALSE(DesktopEntry::parseGroup(bad, keys, error)) << bad;
+        EXPECT_NE(error.find(why), std::string::npos) << error;
+    }
 }
 
 } // namespace

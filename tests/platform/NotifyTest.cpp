@@ -33,19 +33,19 @@ protected:
         return changed;
     }
 
-    std::string runtime;
-    std::string folder;
+    std::string runtime, folder;
 };
 
 TEST(NotifyFileName, EncodesEverythingOutsideThePortableSet) {
-    EXPECT_EQ(NotifyFolder::fileName("org.vellumine.Changed"), "org.vellumine.Changed");
-    EXPECT_EQ(NotifyFolder::fileName("a b/c%_-"), "a%20b%2Fc%25_-");
-    EXPECT_EQ(NotifyFolder::fileName("\xC3\xA9"), "%C3%A9");
-    EXPECT_EQ(NotifyFolder::fileName("."), "%2E");
-    EXPECT_EQ(NotifyFolder::fileName(".."), "%2E%2E");
-    EXPECT_EQ(NotifyFolder::fileName("..."), "...");
-    EXPECT_EQ(NotifyFolder::fileName(std::string(255, 'x')), std::string(255, 'x'));
-    EXPECT_EQ(NotifyFolder::fileName(std::string(86, '/')), "") << "258 bytes once encoded";
+    for (auto [name, file] : {std::pair<std::string, std::string>{"org.v.Changed", "org.v.Changed"},
+                              {"a b/c%_-", "a%20b%2Fc%25_-"},
+                              {"\xC3\xA9", "%C3%A9"},
+                              {".", "%2E"},
+                              {"..", "%2E%2E"},
+                              {"...", "..."},
+                              {std::string(255, 'x'), std::string(255, 'x')},
+                              {std::string(86, '/'), ""}}) // 258 bytes once encoded
+        EXPECT_EQ(NotifyFolder::fileName(name), file) << name;
 }
 
 TEST_F(NotifyTest, FolderIsCreatedPrivateUsedOnlyWhilePrivateAndDefaultsToTmp) {
@@ -71,9 +71,8 @@ TEST_F(NotifyTest, FolderIsCreatedPrivateUsedOnlyWhilePrivateAndDefaultsToTmp) {
 
 TEST_F(NotifyTest, FolderOfAnotherUserIsRefused) {
     ASSERT_EQ(mkdir(folder.c_str(), 0700), 0);
-    if (chown(folder.c_str(), geteuid() + 1, static_cast<gid_t>(-1)) != 0) {
+    if (chown(folder.c_str(), geteuid() + 1, static_cast<gid_t>(-1)) != 0)
         GTEST_SKIP() << "giving the folder away needs privileges";
-    }
     std::string why;
     EXPECT_EQ(NotifyFolder::open(folder, why), -1);
     EXPECT_NE(why.find("another user"), std::string::npos);
@@ -85,8 +84,7 @@ TEST_F(NotifyTest, ChecksReportPostingsSinceTheLastCheckAndBadArgumentsAreRefuse
     ASSERT_EQ(mkdir(folder.c_str(), 0700), 0);
     std::uint64_t counter = 41;
     std::ofstream(folder + "/shared%20name").write(reinterpret_cast<char*>(&counter), 8);
-    int token = 0;
-    int second = 0;
+    int token = 0, second = 0;
     ASSERT_EQ(notify_register_check("shared name", &token), NOTIFY_STATUS_OK);
     ASSERT_EQ(notify_register_check("shared name", &second), NOTIFY_STATUS_OK);
     EXPECT_NE(checkOnce(token), 0) << "the first check always reports";
@@ -97,9 +95,8 @@ TEST_F(NotifyTest, ChecksReportPostingsSinceTheLastCheckAndBadArgumentsAreRefuse
     EXPECT_NE(checkOnce(token), 0);
     EXPECT_NE(checkOnce(second), 0) << "every registration sees the posting";
     EXPECT_EQ(checkOnce(token), 0);
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         notify_post("shared name");
-    }
     EXPECT_NE(checkOnce(token), 0) << "three postings between two checks report once";
     EXPECT_EQ(checkOnce(token), 0);
     ASSERT_EQ(notify_post("another name"), NOTIFY_STATUS_OK);

@@ -17,29 +17,24 @@ TEST(NotifyThreads, ConcurrentPostsAreAllCountedAndSeen) {
     char runtime[] = "/tmp/vlm-notify-threads-XXXXXX";
     ASSERT_NE(mkdtemp(runtime), nullptr);
     setenv("XDG_RUNTIME_DIR", runtime, 1);
-    int token = 0;
-    int changed = 0;
+    int token = 0, changed = 0;
     ASSERT_EQ(notify_register_check("busy", &token), NOTIFY_STATUS_OK);
     notify_check(token, &changed);
 
     std::atomic<bool> stop{false};
     std::atomic<int> seen{0};
     std::thread checker([&] {
-        for (int check = 0; !stop; seen += check) {
+        for (int check = 0; !stop; seen += check)
             EXPECT_EQ(notify_check(token, &check), NOTIFY_STATUS_OK);
-        }
     });
     std::vector<std::thread> posters(4);
-    for (auto& poster : posters) {
+    for (auto& poster : posters)
         poster = std::thread([] {
-            for (int n = 0; n < 250; ++n) {
+            for (int n = 0; n < 250; ++n)
                 notify_post("busy");
-            }
         });
-    }
-    for (auto& poster : posters) {
+    for (auto& poster : posters)
         poster.join();
-    }
     stop = true;
     checker.join();
     notify_check(token, &changed);

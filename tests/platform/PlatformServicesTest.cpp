@@ -13,6 +13,7 @@
 #include <fstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <tuple>
 
 using Platform::AppEvent;
 using Platform::Launcher;
@@ -106,8 +107,7 @@ TEST_F(PlatformServicesTest, HandlersAreChosenByExactIDThenWildcardAndTheirStatu
             [&] { return host->processPending() == Status::ok && outcome.first != 1; });
         return outcome;
     };
-    Outcome exact{Status::ok, "exact"};
-    Outcome wildcard{Status::ok, "any"};
+    Outcome exact{Status::ok, "exact"}, wildcard{Status::ok, "any"};
     ASSERT_EQ(host->installHandler("VLM4", "FSBC", answer, &exact), Status::ok);
     ASSERT_EQ(host->installHandler("VLM4", Platform::anyEventID, answer, &wildcard), Status::ok);
     EXPECT_EQ(call("FSBC"), exact);
@@ -130,9 +130,9 @@ TEST_F(PlatformServicesTest, HandlersAreChosenByExactIDThenWildcardAndTheirStatu
     EXPECT_EQ(host->removeHandler("VLM4", Platform::anyEventID, answer), Status::ok);
     EXPECT_EQ(call("FSBC"), Outcome(Status::notHandled, ""));
 
-    EXPECT_EQ(host->installHandler("VLM", "****", answer, &exact), Status::invalidArgument);
-    EXPECT_EQ(host->installHandler("VLM4", "*", answer, &exact), Status::invalidArgument);
-    EXPECT_EQ(host->installHandler("VLM4", "****", nullptr, &exact), Status::invalidArgument);
+    for (auto [eventClass, id, routine] :
+         {std::tuple{"VLM", "****", &answer}, {"VLM4", "*", answer}, {"VLM4", "****", nullptr}})
+        EXPECT_EQ(host->installHandler(eventClass, id, routine, &exact), Status::invalidArgument);
 }
 
 TEST_F(PlatformServicesTest, LaunchersAreFoundInDataHomeThenDataDirsUnlessTheyCannotRun) {
@@ -151,14 +151,15 @@ TEST_F(PlatformServicesTest, LaunchersAreFoundInDataHomeThenDataDirsUnlessTheyCa
     EXPECT_EQ(launchers.find(id, launcher), Status::notFound);
     EXPECT_NE(launchers.lastError().find("hidden"), std::string::npos);
 
-    session.writeDesktopEntry("try", peerEntry("TryExec=/nonexistent/vellumine\n"));
-    EXPECT_EQ(launchers.find("try", launcher), Status::notFound);
-    EXPECT_NE(launchers.lastError().find("TryExec"), std::string::npos);
-    session.writeDesktopEntry("link", "[Desktop Entry]\nType=Link\nExec=/bin/true\n");
-    EXPECT_EQ(launchers.find("link", launcher), Status::notFound);
-    session.writeDesktopEntry("broken", "[Desktop Entry]\nExec=\"unterminated\n");
-    EXPECT_EQ(launchers.find("broken", launcher), Status::notFound);
-    EXPECT_NE(launchers.lastError().find("unterminated"), std::string::npos);
+    for (auto [name, entry, why] :
+         {std::tuple<std::string, std::string, std::string>{
+              "try", peerEntry("TryExec=/nonexistent/vellumine\n"), "TryExec"},
+          {"link", "[Desktop Entry]\nType=Link\nExec=/bin/true\n", ""},
+          {"broken", "[Desktop Entry]\nExec=\"unterminated\n", "unterminated"}}) {
+        session.writeDesktopEntry(name, entry);
+        EXPECT_EQ(launchers.find(name, launcher), Status::notFound) << name;
+        EXPECT_NE(launchers.lastError().find(why), std::string::npos) << launchers.lastError();
+    }
     EXPECT_EQ(launchers.find("../../etc/passwd", launcher), Status::invalidArgument);
     EXPECT_EQ(launchers.find("", launcher), Status::invalidArgument);
 }

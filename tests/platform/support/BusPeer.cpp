@@ -1,11 +1,10 @@
 // A stand-in application for integration tests: owns a bus name and answers app events.
 //
-//   vlm_test_bus_peer NAME [--class CODE]... [--lifetime SECONDS] [--ready-file PATH]
+//   vlm_test_bus_peer NAME [--class CODE]... [--lifetime SECONDS]
 //
 // Every event of an installed class (default "VLMQ") is answered with
-// "<class>/<id>:<text>"; an event with ID "quit" ends the program. It also ends when the
-// bus goes away or after the lifetime (default 120 s), so that it never outlives a test.
-// With --ready-file it writes its pid there once the name is owned.
+// "<class>/<id>:<text>". It ends when the bus goes away or after the lifetime (default
+// 120 s), so that it never outlives a test.
 
 #include "platform/Status.h"
 #include "platform/linux/DBusAppEvents.h"
@@ -13,18 +12,13 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <map>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
-bool quitRequested = false;
-
 int answer(const Platform::AppEvent& event, std::string& reply, void*) {
-    quitRequested = quitRequested || event.eventID == "quit";
     reply = event.eventClass + "/" + event.eventID + ":" + event.text;
     return Platform::Status::ok;
 }
@@ -33,15 +27,13 @@ int answer(const Platform::AppEvent& event, std::string& reply, void*) {
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fputs("usage: vlm_test_bus_peer NAME [--class CODE]... [--lifetime SECONDS] "
-                   "[--ready-file PATH]\n",
+        std::fputs("usage: vlm_test_bus_peer NAME [--class CODE]... [--lifetime SECONDS]\n",
                    stderr);
         return 2;
     }
     std::map<std::string, std::vector<std::string>> options{{"--class", {}}};
-    for (int i = 2; i + 1 < argc; i += 2) {
+    for (int i = 2; i + 1 < argc; i += 2)
         options[argv[i]].push_back(argv[i + 1]);
-    }
     int status = 0;
     auto events = Platform::Linux::DBusAppEvents::open(argv[1], status);
     if (!events) {
@@ -49,16 +41,11 @@ int main(int argc, char** argv) {
         return 1;
     }
     auto& classes = options["--class"];
-    for (const auto& eventClass : classes.empty() ? std::vector<std::string>{"VLMQ"} : classes) {
+    for (const auto& eventClass : classes.empty() ? std::vector<std::string>{"VLMQ"} : classes)
         events->installHandler(eventClass, Platform::anyEventID, answer, nullptr);
-    }
-    for (const auto& readyFile : options["--ready-file"]) {
-        std::ofstream(readyFile) << getpid() << "\n";
-    }
     const auto& lifetime = options["--lifetime"];
     auto end = std::chrono::steady_clock::now() +
                std::chrono::seconds(lifetime.empty() ? 120 : std::atoi(lifetime.back().c_str()));
-    status = events->runUntil(
-        [&] { return quitRequested || std::chrono::steady_clock::now() >= end; }, 100);
+    status = events->runUntil([&] { return std::chrono::steady_clock::now() >= end; }, 100);
     return status == Platform::Status::ok ? 0 : 1;
 }

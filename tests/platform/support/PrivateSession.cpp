@@ -39,32 +39,39 @@ PrivateSession::PrivateSession() {
     }
     root_ = pattern;
     std::error_code ec;
-    for (const auto& dir : {runtimeDir(), dataHome(), root_ + "/config", root_ + "/cache",
-                            dataDirs()[0], dataDirs()[1]}) {
-        std::filesystem::create_directories(dir, ec);
-    }
-    chmod(runtimeDir().c_str(), 0700);
-    // A session bus of its own: it listens in the folder only and never starts services.
+    for (const char* dir : {"/runtime", "/data", "/config", "/cache", "/share0", "/share1"})
+        std::filesystem::create_directories(root_ + dir, ec);
+    chmod((root_ + "/runtime").c_str(), 0700);
+    if (!startBus())
+        return;
+    saveAndSet("DBUS_SESSION_BUS_ADDRESS", busAddress_);
+    saveAndSet("XDG_RUNTIME_DIR", root_ + "/runtime");
+    saveAndSet("XDG_DATA_HOME", dataHome());
+    saveAndSet("XDG_DATA_DIRS", dataDir(0) + ":" + dataDir(1));
+    saveAndSet("XDG_CONFIG_HOME", root_ + "/config");
+    saveAndSet("XDG_CACHE_HOME", root_ + "/cache");
+}
+
+// A session bus of its own that listens in the folder only and never starts services. The
+// daemon prints its address on a pipe; its complaints go to a log beside it.
+bool PrivateSession::startBus() {
     std::ofstream(root_ + "/bus.conf")
         << "<busconfig><type>session</type><listen>unix:path=" << root_
         << "/bus</listen><auth>EXTERNAL</auth>\n<policy context=\"default\">"
            "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
            "<allow own=\"*\"/></policy></busconfig>\n";
-
-    // The daemon prints its address on a pipe; its complaints go to a log beside it.
     int pipeFds[2];
     if (pipe2(pipeFds, O_CLOEXEC) != 0) {
         error_ = "cannot make a pipe";
-        return;
+        return false;
     }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (root_ + "/bus.log").c_str(),
                                      O_WRONLY | O_CREAT | O_APPEND, 0600);
-    std::string configArgument = "--config-file=" + root_ + "/bus.conf";
-    const char* argv[] = {"dbus-daemon", configArgument.c_str(), "--nofork", "--print-address",
-                          nullptr};
+    std::string config = "--config-file=" + root_ + "/bus.conf";
+    const char* argv[] = {"dbus-daemon", config.c_str(), "--nofork", "--print-address", nullptr};
     pid_t pid = -1;
     int r = posix_spawnp(&pid, argv[0], &actions, nullptr, const_cast<char**>(argv), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -72,39 +79,29 @@ PrivateSession::PrivateSession() {
     FILE* output = fdopen(pipeFds[0], "r");
     pollfd printed{pipeFds[0], POLLIN, 0};
     char line[1024] = "";
-    if (r == 0 && poll(&printed, 1, 30000) > 0 && std::fgets(line, sizeof line, output)) {
+    if (r == 0 && poll(&printed, 1, 30000) > 0 && std::fgets(line, sizeof line, output))
         busAddress_ = std::string(line).substr(0, std::strcspn(line, "\n"));
-    }
     std::fclose(output);
     if (r != 0 || busAddress_.empty()) {
         killAndReap(r == 0 ? pid : -1, SIGKILL);
         error_ = r != 0 ? std::string("cannot start dbus-daemon: ") + std::strerror(r)
                         : "dbus-daemon printed no address";
-        return;
+        return false;
     }
     daemonPid_ = pid;
-
-    saveAndSet("DBUS_SESSION_BUS_ADDRESS", busAddress_);
-    saveAndSet("XDG_RUNTIME_DIR", runtimeDir());
-    saveAndSet("XDG_DATA_HOME", dataHome());
-    saveAndSet("XDG_DATA_DIRS", dataDirs()[0] + ":" + dataDirs()[1]);
-    saveAndSet("XDG_CONFIG_HOME", root_ + "/config");
-    saveAndSet("XDG_CACHE_HOME", root_ + "/cache");
+    return true;
 }
 
 PrivateSession::~PrivateSession() {
-    for (pid_t pid : children_) {
+    for (pid_t pid : children_)
         killAndReap(pid, SIGKILL);
-    }
     killAndReap(daemonPid_, SIGTERM);
-    for (auto it = savedEnvironment_.rbegin(); it != savedEnvironment_.rend(); ++it) {
+    for (auto it = savedEnvironment_.rbegin(); it != savedEnvironment_.rend(); ++it)
         it->second.first ? setenv(it->first.c_str(), it->second.second.c_str(), 1)
                          : unsetenv(it->first.c_str());
-    }
-    if (!root_.empty()) {
-        std::error_code ec;
+    std::error_code ec;
+    if (!root_.empty())
         std::filesystem::remove_all(root_, ec);
-    }
 }
 
 void PrivateSession::saveAndSet(const char* name, const std::string& value) {
@@ -113,30 +110,22 @@ void PrivateSession::saveAndSet(const char* name, const std::string& value) {
     setenv(name, value.c_str(), 1);
 }
 
-std::vector<std::string> PrivateSession::dataDirs() const {
-    return {root_ + "/share0", root_ + "/share1"};
-}
-
 std::string PrivateSession::writeDesktopEntry(const std::string& identifier,
                                               const std::string& contents, int dataDirIndex) {
-    std::string folder =
-        (dataDirIndex < 0 ? dataHome() : dataDirs().at(dataDirIndex)) + "/applications";
+    std::string folder = (dataDirIndex < 0 ? dataHome() : dataDir(dataDirIndex)) + "/applications";
     std::filesystem::create_directories(folder);
-    std::string path = folder + "/" + identifier + ".desktop";
-    std::ofstream(path) << contents;
-    return path;
+    std::ofstream(folder + "/" + identifier + ".desktop") << contents;
+    return folder + "/" + identifier + ".desktop";
 }
 
 pid_t PrivateSession::spawn(const std::vector<std::string>& argv) {
     std::vector<char*> args;
-    for (const auto& arg : argv) {
+    for (const auto& arg : argv)
         args.push_back(const_cast<char*>(arg.c_str()));
-    }
     args.push_back(nullptr);
     pid_t pid = -1;
-    if (posix_spawnp(&pid, args[0], nullptr, nullptr, args.data(), environ) != 0) {
+    if (posix_spawnp(&pid, args[0], nullptr, nullptr, args.data(), environ) != 0)
         return -1;
-    }
     children_.push_back(pid);
     return pid;
 }
@@ -144,11 +133,9 @@ pid_t PrivateSession::spawn(const std::vector<std::string>& argv) {
 bool waitFor(const std::function<bool()>& condition, std::chrono::milliseconds timeout,
              std::chrono::milliseconds interval) {
     for (auto deadline = std::chrono::steady_clock::now() + timeout; !condition();
-         std::this_thread::sleep_for(interval)) {
-        if (std::chrono::steady_clock::now() >= deadline) {
+         std::this_thread::sleep_for(interval))
+        if (std::chrono::steady_clock::now() >= deadline)
             return false;
-        }
-    }
     return true;
 }
 
