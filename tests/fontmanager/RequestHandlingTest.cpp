@@ -259,17 +259,16 @@ TEST_F(RequestHandlingTest, RepliesStayWithinTheirSizeLimit) {
 }
 
 TEST_F(RequestHandlingTest, ActivationRequestActivatesOnlyCatalogContainers) {
-    const std::string reply = dispatcher.answer(
-        "<cmd>activationRequest</cmd>\n<font>\n<containerID>" + std::to_string(type1Id) +
-        "</containerID>\n<psName>NimbusRoman-Regular</psName>\n</font>\n"
-        "<font>\n<containerID>/etc/passwd</containerID>\n<psName>x</psName>\n</font>\n"
-        "<font>\n<containerID>-3</containerID>\n<psName>y</psName>\n</font>\n"
-        "<font>\n<containerID>999999</containerID>\n<psName>z</psName>\n</font>\n</cmd>\n");
-    const auto blocks = replyBlocks(reply);
+    std::string request = "<cmd>activationRequest</cmd>\n";
+    for (const std::string& id : {std::to_string(type1Id), std::string("/etc/passwd"),
+                                  std::string("-3"), std::string("999999")}) {
+        request += "<font>\n<containerID>" + id + "</containerID>\n<psName>x</psName>\n</font>\n";
+    }
+    const auto blocks = replyBlocks(dispatcher.answer(request + "</cmd>\n"));
     ASSERT_EQ(blocks.size(), 5u);
     for (int i = 1; i <= 4; ++i) {
         expectElements(blocks[i],
-                       {i == 1 ? "activationSuccessfull=true" : "activationSuccessfull=false"});
+                       {std::string("activationSuccessfull=") + (i == 1 ? "true" : "false")});
     }
     EXPECT_TRUE(catalog.face(type1Id)->active);
     EXPECT_EQ(catalog.activeFaceCount(), 1);

@@ -130,18 +130,14 @@ TEST_F(VellumineSession, LaunchedThroughItsDesktopEntryItAnswersAndASecondServer
     launch();
 
     VLM::VLMFontRequestEvent request;
-    request.fonts = {makeFont("present", "NimbusRoman-Regular", 0),
-                     makeFont("absent", "Missing-Bold", 0),
-                     makeFont("other type", "DejaVuSans", 2)};
+    // What the plug-in makes of each reply is tested in memory; here, that one crosses the bus.
+    request.fonts = {makeFont("present", "NimbusRoman-Regular", 0), makeFont("absent", "Missing")};
     request.build();
     ASSERT_NE(request.send(), nullptr) << request.getResult();
     EXPECT_EQ(request.getProtocolVersion(), "2.0");
-    std::string counts;
-    for (const auto& font : request.fonts) {
-        counts += std::to_string(font->font.count) + "/" +
-                  std::to_string(font->font.typeMatchingCount) + " ";
-    }
-    EXPECT_EQ(counts, "2/1 0/0 1/0 ");
+    EXPECT_EQ(std::to_string(request.fonts[0]->font.count) + " " +
+                  std::to_string(request.fonts[1]->font.count),
+              "2 0");
 
     EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "serve"}), 3); // a second server refuses
     EXPECT_NE(sendRaw("<cmd>buyRequest</cmd>\n</cmd>\n").find("buyReply"), std::string::npos);
@@ -227,16 +223,6 @@ TEST_F(VellumineSession, HostileRequestsAndRepliesTooBigForTheBusAreAnsweredWith
     EXPECT_NE(refused.find("ask for fewer fonts"), std::string::npos);
 
     EXPECT_TRUE(servesOn());
-}
-
-TEST_F(VellumineSession, AnnouncesTheProtocolVersionItIsToldTo) {
-    session.spawn({VELLUMINE_EXECUTABLE, "serve", "--protocol-version", "1.5"});
-    ASSERT_TRUE(VlmTest::waitFor([&] { return vellumineRuns(); }));
-    VLM::VLMFontRequestEvent request;
-    request.fonts = {makeFont("1", "DejaVuSans")};
-    request.build();
-    EXPECT_EQ(request.send(), nullptr); // the plug-in needs 2.0 or later
-    EXPECT_EQ(request.getProtocolVersion(), "1.5");
 }
 
 } // namespace
