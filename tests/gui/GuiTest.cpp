@@ -11,6 +11,7 @@
 #include "host/session/GalleySession.h"
 #include "tests/support/FakePlatform.h"
 #include "tests/support/FontManagerStandIn.h"
+#include "tests/support/ListedFaces.h"
 
 #include <gtest/gtest.h>
 
@@ -29,28 +30,6 @@
 namespace {
 
 using namespace std::chrono_literals;
-
-// Installed faces the test controls; a change shows as a change of the font folders.
-struct ListedFaces : Galley::FaceSource {
-    std::vector<Galley::InstalledFace> faces;
-    bool changed = true;
-    std::vector<Galley::InstalledFace> load() override {
-        changed = false;
-        return faces;
-    }
-    bool changedSinceLoad() override { return changed; }
-    void add(const std::string& ps, const std::string& family, const std::string& style, IPMFont::FontType type) {
-        Galley::InstalledFace face;
-        face.postscriptName = ps;
-        face.families = {family};
-        face.styles = {style};
-        face.fullName = family + " " + style;
-        face.file = "/nonexistent/" + ps;
-        face.type = type;
-        faces.push_back(face);
-        changed = true;
-    }
-};
 
 // A scripted user: each step waits for its condition, then acts once, from the main loop
 // at whatever depth of modal waits it has reached.
@@ -143,7 +122,7 @@ protected:
 
     VLMTest::FakePlatform platform;
     VLMTest::FontManagerStandIn vellumine;
-    ListedFaces faces;
+    VLMTest::ListedFaces faces;
     Galley::GalleySession session{faces};
     Galley::QtEventLoop events;
     Galley::QtPresenter presenter;

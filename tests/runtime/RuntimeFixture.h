@@ -8,6 +8,7 @@
 #include "host/runtime/SdEventLoop.h"
 #include "host/session/GalleySession.h"
 #include "sdk/HostIdentifiers.h"
+#include "tests/support/ListedFaces.h"
 
 #include <gtest/gtest.h>
 
@@ -18,12 +19,6 @@
 #include <vector>
 
 namespace RuntimeTest {
-
-// No installed fonts: the runtime tests are about the runtime, not about fonts.
-struct NoFaces : Galley::FaceSource {
-    std::vector<Galley::InstalledFace> load() override { return {}; }
-    bool changedSinceLoad() override { return false; }
-};
 
 // Records what the runtime shows; alerts answer with their default button.
 struct RecordingPresenter : Galley::Presenter {
@@ -76,7 +71,7 @@ protected:
     }
 
     Loop loop;
-    NoFaces faces;
+    VLMTest::ListedFaces faces; // none: the runtime tests are about the runtime, not fonts
     Galley::GalleySession session{faces};
     RecordingPresenter presenter;
     std::unique_ptr<Galley::Runtime> runtime;
