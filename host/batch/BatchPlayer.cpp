@@ -88,7 +88,9 @@ void BatchPlayer::consider() {
     const bool ready = action.needsDialog()                     ? dialog != nullptr
                        : action.kind == BatchAction::Kind::menu ? true
                                                                 : dialog == nullptr;
-    if (!ready)
+    // Fonts that have arrived are taken in first, so that an action meets the dialog as it
+    // stands once they are, not a tree about to be rebuilt under its selection.
+    if (!ready || runtime_.fontChangesPending())
         return;
     posted_ = true;
     runtime_.loop().post([this] {

@@ -107,6 +107,10 @@ void Runtime::refreshFontWatch() {
         fontWatch_->watch(session_.fonts().source().watchedFolders());
 }
 
+bool Runtime::fontChangesPending() const {
+    return fontChangePending_ || (fontWatch_ && fontWatch_->waitForChange(0));
+}
+
 void Runtime::fontFoldersChanged() {
     fontChangePending_ = false;
     // The font manager announces the change to its observers (plug-ins among them).

@@ -92,6 +92,9 @@ public:
     int pluginFailures() const { return calls_.failures(); }
     // Processes font-folder changes now (as the watch would).
     void fontFoldersChanged();
+    // True while a change of the font folders waits to be processed: what the dialogs show
+    // is about to change.
+    bool fontChangesPending() const;
 
     // Stops idle tasks, closes dialogs, detaches the plug-ins' session observers and
     // destroys every plug-in object in the reverse order of creation. Run before the
