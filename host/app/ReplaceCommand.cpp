@@ -95,20 +95,6 @@ std::string nothingToReplace(IdmlDocument& document, const std::vector<FontKey>&
            "); change the composite font instead";
 }
 
-void reportMissing(IdmlDocument& document, std::ostream& out) {
-    document.usage().Update();
-    const auto& missing = document.usage().missing();
-    if (missing.empty()) {
-        out << "Every font is installed.\n";
-        return;
-    }
-    std::vector<std::string> names;
-    for (const auto& entry : missing)
-        names.push_back(faceTitle(entry.key));
-    out << plural(static_cast<int>(missing.size()), "font is", "fonts are")
-        << " still missing: " << join(names) << "\n";
-}
-
 int replace(const ReplaceOptions& options) {
     FontconfigFontSystem fontconfig;
     GalleySession session(fontconfig);
@@ -143,8 +129,8 @@ int replace(const ReplaceOptions& options) {
     if (result.compositeRuns > 0)
         std::cout << plural(result.compositeRuns, "run", "runs")
                   << " set in a composite font using it were left as they are.\n";
-    std::cout << "Wrote " << printableText(target) << ". ";
-    reportMissing(*document, std::cout);
+    std::cout << "Wrote " << printableText(target) << "; "
+              << printableText(missingFontsLine(describeFaceUse(*document))) << ".\n";
     return document->usage().GetMissingFontCount() == 0 ? 0 : 1;
 }
 

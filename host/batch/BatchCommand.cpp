@@ -1,7 +1,9 @@
 #include "host/batch/BatchCommand.h"
 
 #include "host/batch/BatchPlayer.h"
+#include "host/app/PrintableText.h"
 #include "host/batch/TerminalPresenter.h"
+#include "host/document/FaceUse.h"
 #include "host/document/IdmlDocument.h"
 #include "host/fonts/FontconfigFontSystem.h"
 #include "host/idml/IdmlError.h"
@@ -81,23 +83,14 @@ std::unique_ptr<Platform::Linux::DefaultServices> installServices(TerminalPresen
 
 int countMissing(GalleySession& session, IdmlDocument& document, std::ostream& err) {
     session.fonts().UpdateFontList();
-    document.usage().Update();
-    const int missing = document.usage().GetMissingFontCount();
     const std::string name = std::filesystem::path(document.path()).filename().string();
-    if (missing == 0) {
-        err << "galley: " << name << ": every font is installed\n";
-        return 0;
-    }
-    err << "galley: " << name << ": " << missing << (missing == 1 ? " font is" : " fonts are")
-        << " missing:";
-    for (int32 n = 0; n < missing; ++n) {
-        IFontFamily* family =
-            document.InstantiateFontFamily(document.usage().GetMissingNthFontFamilyUID(n));
-        err << (n ? ", " : " ") << (family ? family->GetFamilyName().GetUTF8String() : "?") << " "
-            << document.usage().GetMissingNthFontFaceName(n).GetUTF8String();
-    }
-    err << '\n';
-    return missing;
+    bool onlyInStyles = false;
+    err << "galley: " << printableText(name) << ": "
+        << printableText(missingFontsLine(describeFaceUse(document), &onlyInStyles)) << '\n';
+    if (onlyInStyles)
+        err << "galley: a font named only by styles is replaced in them with: galley replace "
+            << printableText(document.path()) << " FROM TO --styles\n";
+    return document.usage().GetMissingFontCount();
 }
 
 } // namespace

@@ -91,4 +91,28 @@ std::vector<FontKey> facesNamed(IdmlDocument& document, const std::string& name)
     return {};
 }
 
+std::string missingFontsLine(const std::vector<FaceUse>& uses, bool* onlyInStyles) {
+    std::string names;
+    int missing = 0;
+    bool styled = false;
+    for (const FaceUse& use : uses) {
+        if (!use.missing)
+            continue;
+        names += (missing++ ? ", " : " ") + faceTitle(use.key);
+        if (use.textRuns == 0 && use.compositeRuns == 0 && !use.styles.empty()) {
+            styled = true;
+            names += " (named only by styles: ";
+            for (std::size_t i = 0; i < use.styles.size(); ++i)
+                names += (i ? ", " : "") + use.styles[i];
+            names += ")";
+        }
+    }
+    if (onlyInStyles)
+        *onlyInStyles = styled;
+    if (missing == 0)
+        return "every font is installed";
+    return std::to_string(missing) + (missing == 1 ? " font is" : " fonts are") + " missing:" +
+           names;
+}
+
 } // namespace Galley

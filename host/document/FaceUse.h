@@ -32,4 +32,9 @@ std::vector<FontKey> facesNamed(IdmlDocument& document, const std::string& name)
 // "Family Style".
 std::string faceTitle(const FontKey& key);
 
+// The missing faces in a line: "2 fonts are missing: A Bold, B Regular (named only by
+// styles: Title)", or "every font is installed". `onlyInStyles` tells whether some missing
+// face is named by styles alone, which only a replacement in the styles can mend.
+std::string missingFontsLine(const std::vector<FaceUse>& uses, bool* onlyInStyles = nullptr);
+
 } // namespace Galley
