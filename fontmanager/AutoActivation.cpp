@@ -10,15 +10,15 @@ namespace Vellumine {
 std::vector<std::int64_t> automaticActivationCandidates(Catalog& catalog, const Request& request,
                                                         const SystemFonts* system) {
     std::vector<std::int64_t> ids;
-    SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
-    FontMatcher matcher(catalog, system);
-    for (const auto& font : request.fonts) {
-        const FontMatch& match = matcher.match(font);
-        if (!match.isActive() && match.typeMatching.size() == 1) {
-            ids.push_back(match.typeMatching.front()->id);
+    catalog.read([&] {
+        FontMatcher matcher(catalog, system);
+        for (const auto& font : request.fonts) {
+            const FontMatch& match = matcher.match(font);
+            if (!match.isActive() && match.typeMatching.size() == 1) {
+                ids.push_back(match.typeMatching.front()->id);
+            }
         }
-    }
-    snapshot.commit();
+    });
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     return ids;

@@ -10,6 +10,7 @@
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
+#include "fontmanager/OpenCatalog.h"
 #include "fontmanager/Server.h"
 #include "platform/linux/DBusAppEvents.h"
 
@@ -53,9 +54,13 @@ std::string formatTime(std::int64_t unixTime) {
 
 // A catalog for a command that changes it; being busy is reported where the user sees it.
 std::unique_ptr<Catalog> openForWriting(const LibraryPaths& paths, std::ostream& errors) {
-    return std::make_unique<Catalog>(
-        paths.catalogFile(), Catalog::Access::readWrite,
+    return openCatalog(
+        LibraryLocation::sqliteFile(paths.catalogFile()),
         [&errors](const std::string& message) { errors << "vellumine: " << message << "\n"; });
+}
+
+std::unique_ptr<Catalog> openForReading(const LibraryPaths& paths) {
+    return openCatalogForReading(LibraryLocation::sqliteFile(paths.catalogFile()));
 }
 
 // A value in a tab-separated line: tabs, line ends and other control characters would
@@ -133,7 +138,7 @@ int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& err
             return usageError;
         }
     }
-    const auto catalog = Catalog::openForReading(LibraryPaths::fromEnvironment().catalogFile());
+    const auto catalog = openForReading(LibraryPaths::fromEnvironment());
     const auto faces = name.empty() ? catalog->allFaces() : catalog->facesByPostScriptName(name);
     for (const auto& face : faces) {
         if (activeOnly && !face.active) {
@@ -256,10 +261,10 @@ int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& e
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    const auto catalogFile = Catalog::openForReading(paths.catalogFile());
+    const auto catalogFile = openForReading(paths);
     Catalog& catalog = *catalogFile;
     out << "catalog: " << paths.catalogFile().string()
-        << (catalog.database().isReadOnly() ? " (read-only)" : "") << "\n"
+        << (catalog.isReadOnly() ? " (read-only)" : "") << "\n"
         << "activation folder: " << paths.activationFolder().string() << "\n"
         << "faces: " << catalog.faceCount() << " (" << catalog.activeFaceCount() << " active)\n"
         << "auto-activation: " << (catalog.autoActivation() ? "on" : "off") << "\n"
@@ -289,8 +294,7 @@ int checkCommand(const Arguments& arguments, std::ostream& out, std::ostream& er
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    const auto catalog =
-        repair ? openForWriting(paths, errors) : Catalog::openForReading(paths.catalogFile());
+    const auto catalog = repair ? openForWriting(paths, errors) : openForReading(paths);
     const LibraryCheckReport report = checkLibrary(*catalog, paths.activationFolder(), repair);
     for (const auto& problem : report.problems) {
         out << "problem: " << field(problem) << "\n";
@@ -321,7 +325,7 @@ const std::array<Setting, 2> settings = {{
 int configCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
     const auto paths = LibraryPaths::fromEnvironment();
     if (arguments.empty()) {
-        const auto catalog = Catalog::openForReading(paths.catalogFile());
+        const auto catalog = openForReading(paths);
         for (const auto& setting : settings) {
             out << setting.name << " " << (((*catalog).*setting.get)() ? "on" : "off") << "\n";
         }

@@ -1,4 +1,4 @@
-#include "fontmanager/Catalog.h"
+#include "fontmanager/SqliteCatalog.h"
 
 #include "foundation/Logger.h"
 
@@ -89,7 +89,8 @@ std::int64_t now() {
 
 } // namespace
 
-Catalog::Catalog(const std::filesystem::path& file, Access access, BusyReporter busyReporter)
+SqliteCatalog::SqliteCatalog(const std::filesystem::path& file, Access access,
+                             BusyReporter busyReporter)
     : db(access == Access::readWrite ? ensureFolder(file) : file, access),
       busyReporter(std::move(busyReporter)) {
     if (access == Access::readOnly) {
@@ -112,23 +113,23 @@ Catalog::Catalog(const std::filesystem::path& file, Access access, BusyReporter 
     db.execute("PRAGMA foreign_keys = ON");
 }
 
-std::unique_ptr<Catalog> Catalog::openForReading(const std::filesystem::path& file) {
+std::unique_ptr<SqliteCatalog> SqliteCatalog::openForReading(const std::filesystem::path& file) {
     std::error_code error;
     if (std::filesystem::exists(file, error)) {
         try {
-            return std::make_unique<Catalog>(file);
+            return std::make_unique<SqliteCatalog>(file);
         } catch (const SqliteBusy&) {
             throw;
         } catch (const std::exception& failure) {
             Logger::log("vellumine-catalog",
                         std::string(failure.what()) + "; reading it read-only instead");
-            return std::make_unique<Catalog>(file, Access::readOnly);
+            return std::make_unique<SqliteCatalog>(file, Access::readOnly);
         }
     }
-    return std::make_unique<Catalog>(file);
+    return std::make_unique<SqliteCatalog>(file);
 }
 
-void Catalog::write(const std::function<void()>& work) {
+void SqliteCatalog::write(const std::function<void()>& work) {
     retrying([&] {
         SqliteTransaction transaction(db);
         work();
@@ -136,7 +137,24 @@ void Catalog::write(const std::function<void()>& work) {
     });
 }
 
-void Catalog::retrying(const std::function<void()>& work) {
+void SqliteCatalog::read(const std::function<void()>& work) {
+    SqliteTransaction snapshot(db, SqliteTransaction::Mode::read);
+    work();
+    snapshot.commit();
+}
+
+std::vector<std::string> SqliteCatalog::integrityProblems() {
+    SqliteStatement& integrity = db.prepare("PRAGMA quick_check");
+    std::vector<std::string> problems;
+    while (integrity.step()) {
+        if (integrity.text(0) != "ok") {
+            problems.push_back("SQLite: " + integrity.text(0));
+        }
+    }
+    return problems;
+}
+
+void SqliteCatalog::retrying(const std::function<void()>& work) {
     for (int attempt = 1;; ++attempt) {
         try {
             work();
@@ -157,7 +175,7 @@ void Catalog::retrying(const std::function<void()>& work) {
 
 // Runs inside the write transaction, so that two processes opening a new catalog at once
 // cannot both create the schema: the second sees the first one's version and does nothing.
-void Catalog::migrate() {
+void SqliteCatalog::migrate() {
     const std::int64_t current = db.prepare("PRAGMA user_version").singleInteger();
     if (current == schemaVersion) {
         return;
@@ -170,8 +188,9 @@ void Catalog::migrate() {
     db.execute("PRAGMA user_version = " + std::to_string(schemaVersion));
 }
 
-AddedFace Catalog::addFace(const std::filesystem::path& file,
-                           const std::filesystem::path& metricsFile, const FaceDescription& face) {
+AddedFace SqliteCatalog::addFace(const std::filesystem::path& file,
+                                 const std::filesystem::path& metricsFile,
+                                 const FaceDescription& face) {
     const std::int64_t id =
         db.prepare("SELECT coalesce(max(id), 0) FROM faces WHERE path = ? AND face_index = ?")
             .bind(1, file.string())
@@ -203,7 +222,7 @@ AddedFace Catalog::addFace(const std::filesystem::path& file,
     return {db.lastInsertedRow(), true};
 }
 
-std::vector<FaceRecord> Catalog::faces(SqliteStatement& statement) {
+std::vector<FaceRecord> SqliteCatalog::faces(SqliteStatement& statement) {
     std::vector<FaceRecord> records;
     while (statement.step()) {
         const auto type = faceTypeFromWireText(statement.text(6));
@@ -225,7 +244,7 @@ std::vector<FaceRecord> Catalog::faces(SqliteStatement& statement) {
     return records;
 }
 
-std::optional<FaceRecord> Catalog::face(std::int64_t id) {
+std::optional<FaceRecord> SqliteCatalog::face(std::int64_t id) {
     static const std::string query = faceQuery("WHERE f.id = ?");
     auto found = faces(db.prepare(query).bind(1, id));
     if (found.empty()) {
@@ -234,27 +253,27 @@ std::optional<FaceRecord> Catalog::face(std::int64_t id) {
     return found.front();
 }
 
-std::vector<FaceRecord> Catalog::facesByPostScriptName(const std::string& name) {
+std::vector<FaceRecord> SqliteCatalog::facesByPostScriptName(const std::string& name) {
     static const std::string query = faceQuery("WHERE f.ps_name = ? ORDER BY f.id");
     return faces(db.prepare(query).bind(1, name));
 }
 
-std::vector<FaceRecord> Catalog::facesByFamily(const std::string& family) {
+std::vector<FaceRecord> SqliteCatalog::facesByFamily(const std::string& family) {
     static const std::string query = faceQuery("WHERE f.family = ? COLLATE NOCASE ORDER BY f.id");
     return faces(db.prepare(query).bind(1, family));
 }
 
-std::vector<FaceRecord> Catalog::facesOfFile(const std::filesystem::path& file) {
+std::vector<FaceRecord> SqliteCatalog::facesOfFile(const std::filesystem::path& file) {
     static const std::string query = faceQuery("WHERE f.path = ? ORDER BY f.face_index");
     return faces(db.prepare(query).bind(1, file.string()));
 }
 
-std::vector<FaceRecord> Catalog::allFaces() {
+std::vector<FaceRecord> SqliteCatalog::allFaces() {
     static const std::string query = faceQuery("ORDER BY f.id");
     return faces(db.prepare(query));
 }
 
-std::vector<std::pair<std::int64_t, std::string>> Catalog::facesOfUnknownType() {
+std::vector<std::pair<std::int64_t, std::string>> SqliteCatalog::facesOfUnknownType() {
     SqliteStatement& statement = db.prepare("SELECT id, type FROM faces ORDER BY id");
     std::vector<std::pair<std::int64_t, std::string>> unknown;
     while (statement.step()) {
@@ -265,15 +284,15 @@ std::vector<std::pair<std::int64_t, std::string>> Catalog::facesOfUnknownType() 
     return unknown;
 }
 
-std::int64_t Catalog::faceCount() {
+std::int64_t SqliteCatalog::faceCount() {
     return db.prepare("SELECT count(*) FROM faces").singleInteger();
 }
 
-std::int64_t Catalog::activeFaceCount() {
+std::int64_t SqliteCatalog::activeFaceCount() {
     return db.prepare("SELECT count(*) FROM links").singleInteger();
 }
 
-void Catalog::recordLink(const LinkRecord& link) {
+void SqliteCatalog::recordLink(const LinkRecord& link) {
     SqliteStatement& statement =
         db.prepare("INSERT OR REPLACE INTO links (face_id, link_path, target_path, "
                    "metrics_link_path, metrics_target_path, auto_for) VALUES (?, ?, ?, ?, ?, ?)")
@@ -307,7 +326,7 @@ const char* const linkColumns =
 
 } // namespace
 
-std::optional<LinkRecord> Catalog::link(std::int64_t faceId) {
+std::optional<LinkRecord> SqliteCatalog::link(std::int64_t faceId) {
     auto found = links(db.prepare(std::string(linkColumns) + "WHERE face_id = ?").bind(1, faceId));
     if (found.empty()) {
         return std::nullopt;
@@ -315,30 +334,30 @@ std::optional<LinkRecord> Catalog::link(std::int64_t faceId) {
     return found.front();
 }
 
-std::vector<LinkRecord> Catalog::allLinks() {
+std::vector<LinkRecord> SqliteCatalog::allLinks() {
     return links(db.prepare(std::string(linkColumns) + "ORDER BY face_id"));
 }
 
-std::vector<LinkRecord> Catalog::autoActivatedLinks() {
+std::vector<LinkRecord> SqliteCatalog::autoActivatedLinks() {
     return links(
         db.prepare(std::string(linkColumns) + "WHERE auto_for IS NOT NULL ORDER BY face_id"));
 }
 
-void Catalog::claimLink(std::int64_t faceId) {
+void SqliteCatalog::claimLink(std::int64_t faceId) {
     db.prepare("UPDATE links SET auto_for = NULL WHERE face_id = ?").bind(1, faceId).run();
 }
 
-std::int64_t Catalog::linkUsers(const std::filesystem::path& link) {
+std::int64_t SqliteCatalog::linkUsers(const std::filesystem::path& link) {
     return db.prepare("SELECT count(*) FROM links WHERE link_path = ?")
         .bind(1, link.string())
         .singleInteger();
 }
 
-void Catalog::removeLink(std::int64_t faceId) {
+void SqliteCatalog::removeLink(std::int64_t faceId) {
     db.prepare("DELETE FROM links WHERE face_id = ?").bind(1, faceId).run();
 }
 
-void Catalog::rememberTarget(const TargetApplication& target) {
+void SqliteCatalog::rememberTarget(const TargetApplication& target) {
     db.prepare("INSERT INTO targets (signature, event_class, last_seen) VALUES (?, ?, ?) "
                "ON CONFLICT (signature) DO UPDATE SET event_class = excluded.event_class, "
                "last_seen = excluded.last_seen")
@@ -348,7 +367,7 @@ void Catalog::rememberTarget(const TargetApplication& target) {
         .run();
 }
 
-std::vector<TargetApplication> Catalog::targets() {
+std::vector<TargetApplication> SqliteCatalog::targets() {
     SqliteStatement& statement =
         db.prepare("SELECT signature, event_class FROM targets ORDER BY signature");
     std::vector<TargetApplication> result;
@@ -358,7 +377,7 @@ std::vector<TargetApplication> Catalog::targets() {
     return result;
 }
 
-void Catalog::recordWindowlessRequest(const WindowlessRequest& request) {
+void SqliteCatalog::recordWindowlessRequest(const WindowlessRequest& request) {
     db.prepare("INSERT INTO windowless_requests (kind, at, application, ps_name, container_id, "
                "type) VALUES (?, ?, ?, ?, ?, ?)")
         .bind(1, request.kind)
@@ -370,7 +389,8 @@ void Catalog::recordWindowlessRequest(const WindowlessRequest& request) {
         .run();
 }
 
-std::vector<WindowlessRequest> Catalog::windowlessRequests(const std::string& kind, int limit) {
+std::vector<WindowlessRequest> SqliteCatalog::windowlessRequests(const std::string& kind,
+                                                                 int limit) {
     SqliteStatement& statement =
         db.prepare("SELECT id, kind, at, application, ps_name, container_id, type "
                    "FROM windowless_requests WHERE ?1 = '' OR kind = ?1 ORDER BY id DESC LIMIT ?2")
@@ -385,16 +405,16 @@ std::vector<WindowlessRequest> Catalog::windowlessRequests(const std::string& ki
     return result;
 }
 
-std::int64_t Catalog::recordChange(const std::string& kind) {
+std::int64_t SqliteCatalog::recordChange(const std::string& kind) {
     db.prepare("INSERT INTO changes (kind, at) VALUES (?, ?)").bind(1, kind).bind(2, now()).run();
     return db.lastInsertedRow();
 }
 
-std::int64_t Catalog::lastChange() {
+std::int64_t SqliteCatalog::lastChange() {
     return db.prepare("SELECT coalesce(max(id), 0) FROM changes").singleInteger();
 }
 
-std::vector<LibraryChange> Catalog::changesAfter(std::int64_t id) {
+std::vector<LibraryChange> SqliteCatalog::changesAfter(std::int64_t id) {
     SqliteStatement& statement =
         db.prepare("SELECT id, kind, at FROM changes WHERE id > ? ORDER BY id").bind(1, id);
     std::vector<LibraryChange> result;
@@ -404,7 +424,7 @@ std::vector<LibraryChange> Catalog::changesAfter(std::int64_t id) {
     return result;
 }
 
-bool Catalog::setting(const std::string& name) {
+bool SqliteCatalog::setting(const std::string& name) {
     SqliteStatement& statement =
         db.prepare("SELECT value FROM settings WHERE name = ?").bind(1, name);
     const std::string value = statement.step() ? statement.text(0) : "on";
@@ -412,7 +432,7 @@ bool Catalog::setting(const std::string& name) {
     return value != "off";
 }
 
-void Catalog::setSetting(const std::string& name, bool on) {
+void SqliteCatalog::setSetting(const std::string& name, bool on) {
     db.prepare("INSERT INTO settings (name, value) VALUES (?, ?) "
                "ON CONFLICT (name) DO UPDATE SET value = excluded.value")
         .bind(1, name)
@@ -420,19 +440,19 @@ void Catalog::setSetting(const std::string& name, bool on) {
         .run();
 }
 
-bool Catalog::autoActivation() {
+bool SqliteCatalog::autoActivation() {
     return setting("auto-activate");
 }
 
-void Catalog::setAutoActivation(bool on) {
+void SqliteCatalog::setAutoActivation(bool on) {
     setSetting("auto-activate", on);
 }
 
-bool Catalog::systemFonts() {
+bool SqliteCatalog::systemFonts() {
     return setting("system-fonts");
 }
 
-void Catalog::setSystemFonts(bool on) {
+void SqliteCatalog::setSystemFonts(bool on) {
     setSetting("system-fonts", on);
 }
 
