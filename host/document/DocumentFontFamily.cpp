@@ -1,7 +1,7 @@
 #include "host/document/DocumentFontFamily.h"
 
 #include "host/document/FontResolver.h"
-#include "host/session/InstalledFont.h"
+#include "host/fonts/InstalledFont.h"
 
 namespace Galley {
 

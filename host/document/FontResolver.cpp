@@ -1,7 +1,7 @@
 #include "host/document/FontResolver.h"
 
 #include "host/idml/FontsCatalog.h"
-#include "host/session/SessionFontMgr.h"
+#include "host/fonts/SessionFontMgr.h"
 
 #include <cctype>
 

@@ -1,4 +1,4 @@
-#include "host/session/Subject.h"
+#include "host/base/Subject.h"
 
 #include "sdk/IObserver.h"
 

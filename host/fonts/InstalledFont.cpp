@@ -1,4 +1,4 @@
-#include "host/session/InstalledFont.h"
+#include "host/fonts/InstalledFont.h"
 
 namespace Galley {
 

@@ -1,4 +1,4 @@
-#include "host/session/SessionFontMgr.h"
+#include "host/fonts/SessionFontMgr.h"
 
 #include "sdk/HostIdentifiers.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "host/fonts/InstalledFace.h"
-#include "host/session/InstalledFont.h"
-#include "host/session/Subject.h"
+#include "host/fonts/InstalledFont.h"
+#include "host/base/Subject.h"
 #include "sdk/IFontMgr.h"
 
 #include <functional>
