@@ -2,8 +2,8 @@
 
 #include "document/IDFontSuite.h"
 #include "host/dialogs/Dialog.h"
+#include "host/loop/SdEventLoop.h"
 #include "host/runtime/Runtime.h"
-#include "host/runtime/SdEventLoop.h"
 #include "host/session/GalleySession.h"
 #include "link/NotifiyHandlerFactory.h"
 #include "link/VLMNotifyHandler.h"
@@ -41,7 +41,8 @@ inline Tamrik::SmartPointer<VLMFontInfo> record(const std::string& name, Shape s
 }
 
 // Each text between `open` and the next `close` in `text`.
-inline std::vector<std::string> between(const std::string& text, const std::string& open, const std::string& close) {
+inline std::vector<std::string> between(const std::string& text, const std::string& open,
+                                        const std::string& close) {
     std::vector<std::string> found;
     for (auto at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
         const auto start = at + open.size();
@@ -59,7 +60,8 @@ struct Faces : Galley::FaceSource {
             faces[n].families = {names[n][0]};
             faces[n].styles = {names[n][1]};
             faces[n].postscriptName = faces[n].file = faces[n].family() + "-" + faces[n].style();
-            // Beta Regular calls itself "Beta Book": it is still found, and listed, by family and style.
+            // Beta Regular calls itself "Beta Book": it is still found, and listed, by family and
+            // style.
             faces[n].fullName = n == 2 ? "Beta Book" : faces[n].family() + " " + faces[n].style();
         }
         return faces;
@@ -74,20 +76,22 @@ protected:
     FontsDialogTest() {
         platform.runningApplications.add("VLMQ", "org.vellumine.Vellumine", 11);
         platform.appEvents.setResponder([](const Platform::AppEvent&) {
-            return VLMTest::FakeAppEvents::Answer{0, "<cmd>reply</cmd>\n<protocolVersion>2.0</protocolVersion>\n</cmd>\n"};
+            return VLMTest::FakeAppEvents::Answer{
+                0, "<cmd>reply</cmd>\n<protocolVersion>2.0</protocolVersion>\n</cmd>\n"};
         });
         Galley::Runtime::Options options;
         options.watchFontFolders = false;
         options.deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         runtime = std::make_unique<Galley::Runtime>(loop, session, presenter, options);
-        runtime->loadPlugins({UI_TEST_PLUGIN});
+        runtime->plugins().load({UI_TEST_PLUGIN});
         suite = VLM::IDFontSuite::getFontSuite(true);
     }
     ~FontsDialogTest() override { runtime->shutdown(); }
 
     Galley::Dialog& open(RsrcID resource) {
-        IDialog* dialog = runtime->CreateNewDialog(
-            RsrcSpec(PMLocaleId{}, kVelluminePrefix, kViewRsrcType, resource), IDialog::kMovableModal);
+        IDialog* dialog = runtime->dialogs().CreateNewDialog(
+            RsrcSpec(PMLocaleId{}, kVelluminePrefix, kViewRsrcType, resource),
+            IDialog::kMovableModal);
         EXPECT_NE(dialog, nullptr);
         dialog->Open();
         return *static_cast<Galley::Dialog*>(dialog);
@@ -98,20 +102,26 @@ protected:
             throw std::runtime_error("no widget " + std::to_string(id));
         return *found;
     }
-    static void notify() { VLM::NotifiyHandlerFactory::getNotifyHandler(false)->notifiyAll("<cmd cmd=\"fontChanged\"/>"); }
+    static void notify() {
+        VLM::NotifiyHandlerFactory::getNotifyHandler(false)->notifiyAll(
+            "<cmd cmd=\"fontChanged\"/>");
+    }
 
     // Every request of `command` sent to the font manager, each as the values of `element`.
-    std::vector<std::vector<std::string>> requests(const std::string& command, const std::string& element) const {
+    std::vector<std::vector<std::string>> requests(const std::string& command,
+                                                   const std::string& element) const {
         std::vector<std::vector<std::string>> found;
         for (const auto& sent : platform.appEvents.sent())
             if (sent.event.text.find("<cmd>" + command + "</cmd>") != std::string::npos)
-                found.push_back(between(sent.event.text, "<" + element + ">", "</" + element + ">"));
+                found.push_back(
+                    between(sent.event.text, "<" + element + ">", "</" + element + ">"));
         return found;
     }
     struct Presenter : Galley::Presenter {
         std::vector<std::string> closed;
         void dialogClosed(Galley::Dialog& dialog) override { closed.push_back(dialog.title()); }
-        int16 alert(IAlertPresenter::Kind, const std::string&, const std::string[3], int16 button) override {
+        int16 alert(IAlertPresenter::Kind, const std::string&, const std::string[3],
+                    int16 button) override {
             return button;
         }
     };

@@ -1,4 +1,4 @@
-#include "host/runtime/PluginLoader.h"
+#include "host/plugins/PluginLoader.h"
 
 #include <dlfcn.h>
 

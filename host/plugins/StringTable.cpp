@@ -1,4 +1,4 @@
-#include "host/runtime/StringTable.h"
+#include "host/plugins/StringTable.h"
 
 #include <fstream>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/runtime/MainLoop.h"
+#include "host/loop/MainLoop.h"
 
 #include <functional>
 #include <string>

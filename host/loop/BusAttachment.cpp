@@ -1,4 +1,4 @@
-#include "host/runtime/BusAttachment.h"
+#include "host/loop/BusAttachment.h"
 
 #include "platform/Status.h"
 #include "platform/linux/DBusAppEvents.h"

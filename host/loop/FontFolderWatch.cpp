@@ -1,4 +1,4 @@
-#include "host/runtime/FontFolderWatch.h"
+#include "host/loop/FontFolderWatch.h"
 
 #include <poll.h>
 #include <sys/inotify.h>

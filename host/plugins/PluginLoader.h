@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/runtime/PluginCalls.h"
-#include "host/runtime/PluginRegistrations.h"
+#include "host/base/PluginCalls.h"
+#include "host/plugins/PluginRegistrations.h"
 
 #include <memory>
 #include <string>

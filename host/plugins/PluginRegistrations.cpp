@@ -1,4 +1,4 @@
-#include "host/runtime/PluginRegistrations.h"
+#include "host/plugins/PluginRegistrations.h"
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-#include "host/runtime/SdEventLoop.h"
+#include "host/loop/SdEventLoop.h"
 
 #include <systemd/sd-event.h>
 

@@ -1,4 +1,4 @@
-#include "host/runtime/MainLoop.h"
+#include "host/loop/MainLoop.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "host/runtime/PluginCalls.h"
+#include "host/base/PluginCalls.h"
 
 #include <stdexcept>
 

@@ -1,4 +1,4 @@
-#include "host/runtime/IdleTasks.h"
+#include "host/loop/IdleTasks.h"
 
 #include "sdk/IIdleTask.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/runtime/EventLoop.h"
+#include "host/loop/EventLoop.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/runtime/EventLoop.h"
-#include "host/runtime/MainLoop.h"
+#include "host/loop/EventLoop.h"
+#include "host/loop/MainLoop.h"
 #include "sdk/HostTypes.h"
 
 #include <functional>
