@@ -4,7 +4,7 @@
 
 namespace {
 
-using StyleResolution = HostTest::SessionTest<HostTest::FixedFaces>;
+using StyleResolution = HostTest::SessionTest<VLMTest::ListedFaces>;
 using Strings = std::vector<std::string>;
 
 // Local attributes (both forms) beat the character style chain, which beats paragraph-level

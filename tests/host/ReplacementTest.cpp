@@ -8,10 +8,10 @@ namespace {
 using Strings = std::vector<std::string>;
 using Galley::FontKey;
 
-class Replacement : public HostTest::SessionTest<HostTest::FixedFaces> {
+class Replacement : public HostTest::SessionTest<VLMTest::ListedFaces> {
 protected:
     void SetUp() override {
-        faces.faces = {HostTest::face("DejaVuSerif", "DejaVu Serif", "Book", IPMFont::kTrueType)};
+        faces.faces = {VLMTest::ListedFaces::face("DejaVuSerif", "DejaVu Serif", "Book", IPMFont::kTrueType)};
     }
     // The faces named by styles, "Family/Style" each once, in usage order.
     static Strings styleNamedFaces(Galley::IdmlDocument& doc) {

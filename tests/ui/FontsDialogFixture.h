@@ -10,6 +10,7 @@
 #include "resources/VellumineIDs.h"
 #include "sdk/HostIdentifiers.h"
 #include "support/FakePlatform.h"
+#include "tests/support/ListedFaces.h"
 
 #include <gtest/gtest.h>
 
@@ -51,23 +52,16 @@ inline std::vector<std::string> between(const std::string& text, const std::stri
     return found;
 }
 
-// Installed faces for the replacement list.
-struct Faces : Galley::FaceSource {
-    std::vector<Galley::InstalledFace> load() override {
-        std::vector<Galley::InstalledFace> faces(3);
-        const char* names[3][2] = {{"Alpha", "Regular"}, {"Alpha", "Bold"}, {"Beta", "Regular"}};
-        for (std::size_t n = 0; n < faces.size(); ++n) {
-            faces[n].families = {names[n][0]};
-            faces[n].styles = {names[n][1]};
-            faces[n].postscriptName = faces[n].file = faces[n].family() + "-" + faces[n].style();
-            // Beta Regular calls itself "Beta Book": it is still found, and listed, by family and
-            // style.
-            faces[n].fullName = n == 2 ? "Beta Book" : faces[n].family() + " " + faces[n].style();
-        }
-        return faces;
-    }
-    bool changedSinceLoad() override { return false; }
-};
+// Installed faces for the replacement list. Beta Regular calls itself "Beta Book": it is still
+// found, and listed, by family and style.
+inline VLMTest::ListedFaces replacementFaces() {
+    VLMTest::ListedFaces faces;
+    faces.add("Alpha-Regular", "Alpha", "Regular", IPMFont::kUnknownFontType);
+    faces.add("Alpha-Bold", "Alpha", "Bold", IPMFont::kUnknownFontType);
+    faces.add("Beta-Regular", "Beta", "Regular", IPMFont::kUnknownFontType);
+    faces.faces.back().fullName = "Beta Book";
+    return faces;
+}
 
 // The runtime with the fonts dialogs registered, over fake platform services whose font
 // manager runs and answers every request; each test starts with a fresh font suite.
@@ -128,7 +122,7 @@ protected:
 
     VLMTest::FakePlatform platform;
     Galley::SdEventLoop loop;
-    Faces faces;
+    VLMTest::ListedFaces faces = replacementFaces();
     Galley::GalleySession session{faces};
     Presenter presenter;
     std::unique_ptr<Galley::Runtime> runtime;
