@@ -177,6 +177,7 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
     reconcile(catalog, paths);
     Activation activation(catalog, paths.activationFolder());
     LibraryChanges changes(catalog);
+    changes.warnTo(errors);
     RequestDispatcher dispatcher(catalog, activation, changes, {options.protocolVersion, {}, {}});
     ChangeForwarder forwarder(catalog,
                               [&](const std::string& signature, const Platform::AppEvent& event) {
