@@ -60,15 +60,15 @@ std::optional<BatchOptions> parseOptions(const std::vector<std::string>& argumen
     return options;
 }
 
-int countMissing(GalleySession& session, IdmlDocument& document, std::ostream& err) {
+int countMissing(GalleySession& session, IdmlDocument& document, TerminalPresenter& view) {
     session.fonts().UpdateFontList();
     const std::string name = std::filesystem::path(document.path()).filename().string();
     bool onlyInStyles = false;
-    err << "galley: " << printableText(name) << ": "
-        << printableText(missingFontsLine(describeFaceUse(document), &onlyInStyles)) << '\n';
+    view.status(printableText(name) + ": " +
+                printableText(missingFontsLine(describeFaceUse(document), &onlyInStyles)));
     if (onlyInStyles)
-        err << "galley: a font named only by styles is replaced in them with: galley replace "
-            << printableText(document.path()) << " FROM TO --styles\n";
+        view.status("a font named only by styles is replaced in them with: galley replace " +
+                    printableText(document.path()) + " FROM TO --styles");
     return document.usage().GetMissingFontCount();
 }
 
@@ -113,7 +113,8 @@ int runBatchCommand(const std::vector<std::string>& arguments, const std::string
         return 2;
     }
 
-    TerminalPresenter view(std::cout, std::cerr, isatty(STDOUT_FILENO) == 1);
+    TerminalPresenter view(std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,
+                           TerminalPresenter::terminalWidth(STDOUT_FILENO));
     view.setDocumentName(std::filesystem::path(options->document).filename().string());
     HostProcess process(view);
     SdEventLoop events;
@@ -128,17 +129,17 @@ int runBatchCommand(const std::vector<std::string>& arguments, const std::string
     try {
         document = &runtime.documents().open(options->document);
     } catch (const std::exception& error) {
-        std::cerr << "galley: " << error.what() << '\n';
+        view.status(printableText(error.what()));
         return 2;
     }
     runtime.dialogs().waitUntil([&] { return player.finished(); }, true);
 
-    int status = countMissing(process.session(), *document, std::cerr) > 0 ? 1 : 0;
+    int status = countMissing(process.session(), *document, view) > 0 ? 1 : 0;
     if (runtime.dialogs().timedOut())
-        std::cerr << "galley: time-out after " << options->timeoutSeconds
-                  << " s; the dialogs in front were cancelled\n";
+        view.status("time-out after " + std::to_string(options->timeoutSeconds) +
+                    " s; the dialogs in front were cancelled");
     if (!player.error().empty()) {
-        std::cerr << "galley: " << player.error() << '\n';
+        view.status(player.error());
         status = 2;
     }
     if (runtime.pluginFailures() > 0)

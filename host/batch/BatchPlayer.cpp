@@ -186,6 +186,23 @@ void BatchPlayer::deselect(Dialog& dialog) {
         tree->DeselectAll(true);
 }
 
+namespace {
+
+// A caption as a user types it: no access-key marker, no ellipsis, case ignored ("press
+// replace" finds "&Replace…").
+std::string typedCaption(const std::string& caption) {
+    std::string text;
+    for (char c : caption)
+        if (c != '&')
+            text += c;
+    for (const std::string ellipsis : {"\u2026", "..."})
+        if (text.ends_with(ellipsis))
+            text.erase(text.size() - ellipsis.size());
+    return AsciiCase::lowered(text);
+}
+
+} // namespace
+
 void BatchPlayer::press(Dialog& dialog, const std::string& button) {
     std::vector<std::string> known;
     Widget* found = nullptr;
@@ -194,7 +211,7 @@ void BatchPlayer::press(Dialog& dialog, const std::string& button) {
             return;
         known.push_back(widget.GetName() + " (\"" + widget.displayText() + "\")");
         if (!found && (widget.GetName() == button ||
-                       AsciiCase::lowered(widget.displayText()) == AsciiCase::lowered(button)))
+                       typedCaption(widget.displayText()) == typedCaption(button)))
             found = &widget;
     });
     if (!found)

@@ -3,6 +3,11 @@
 #include "host/dialogs/Dialog.h"
 #include "host/dialogs/DialogText.h"
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
 namespace Galley {
 
 namespace {
@@ -22,8 +27,18 @@ std::string progressLine(Dialog& dialog) {
 
 } // namespace
 
-TerminalPresenter::TerminalPresenter(std::ostream& out, std::ostream& err, bool outIsTerminal)
-    : out_(out), err_(err), terminal_(outIsTerminal) {}
+TerminalPresenter::TerminalPresenter(std::ostream& out, std::ostream& err, bool outIsTerminal,
+                                     std::size_t width)
+    : out_(out), err_(err), terminal_(outIsTerminal), width_(width) {}
+
+std::size_t TerminalPresenter::terminalWidth(int fd) {
+    winsize size{};
+    if (::isatty(fd) == 1 && ::ioctl(fd, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    const char* columns = std::getenv("COLUMNS");
+    const long fromEnvironment = columns ? std::strtol(columns, nullptr, 10) : 0;
+    return fromEnvironment > 0 ? static_cast<std::size_t>(fromEnvironment) : 0;
+}
 
 void TerminalPresenter::endProgressLine() {
     if (progressLineOpen_) {
@@ -34,7 +49,7 @@ void TerminalPresenter::endProgressLine() {
 
 void TerminalPresenter::show(Dialog& dialog) {
     endProgressLine();
-    for (const auto& line : renderDialog(dialog))
+    for (const auto& line : renderDialog(dialog, width_))
         out_ << line << '\n';
     out_.flush();
     lastProgress_ = progressLine(dialog);
@@ -52,7 +67,8 @@ void TerminalPresenter::dialogChanged(Dialog& dialog, Widget& widget) {
         return;
     lastProgress_ = line;
     if (terminal_) {
-        out_ << "\r\033[K" << line;
+        // Kept shorter than the terminal: a wrapped line could not be redrawn in place.
+        out_ << "\r\033[K" << fitToWidth(line, width_ > 0 ? width_ - 1 : 0);
         progressLineOpen_ = true;
     } else {
         out_ << line << '\n';

@@ -13,7 +13,11 @@ namespace Galley {
 // their default button, and the host's own messages on standard error.
 class TerminalPresenter : public Presenter {
 public:
-    TerminalPresenter(std::ostream& out, std::ostream& err, bool outIsTerminal);
+    // `width`: the terminal's columns, which every line of a dialog fits (0: any length).
+    TerminalPresenter(std::ostream& out, std::ostream& err, bool outIsTerminal,
+                      std::size_t width = 0);
+    // The columns of the terminal on `fd`, else $COLUMNS when set, else 0.
+    static std::size_t terminalWidth(int fd);
 
     void setDocumentName(const std::string& name) { documentName_ = name; }
     // Prints the dialog as it is now (after an action changed it).
@@ -25,6 +29,8 @@ public:
     void dialogClosed(Dialog& dialog) override;
     int16 alert(IAlertPresenter::Kind kind, const std::string& message,
                 const std::string buttons[3], int16 defaultButton) override;
+    // A line of Galley's own on standard error ("galley: …"), on a line of its own even while
+    // a progress line is open.
     void status(const std::string& message) override;
 
 private:
@@ -33,6 +39,7 @@ private:
     std::ostream& out_;
     std::ostream& err_;
     bool terminal_;
+    std::size_t width_;
     std::string documentName_;
     std::string lastProgress_;
     bool progressLineOpen_ = false;

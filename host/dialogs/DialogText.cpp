@@ -26,6 +26,58 @@ std::string padded(const std::string& text, std::size_t width) {
     return used >= width ? text : text + std::string(width - used, ' ');
 }
 
+// The text cut to `width` columns, its last one an ellipsis when it was cut.
+std::string fitted(const std::string& text, std::size_t width) {
+    if (columns(text) <= width)
+        return text;
+    std::string kept;
+    std::size_t used = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool starts = (static_cast<unsigned char>(text[i]) & 0xC0) != 0x80;
+        if (starts && ++used > width - 1)
+            break;
+        kept += text[i];
+    }
+    return kept + "\u2026";
+}
+
+// The text in lines of at most `width` columns, broken between words (0: one line).
+std::vector<std::string> wrapped(const std::string& text, std::size_t width) {
+    if (width == 0 || columns(text) <= width)
+        return {text};
+    std::vector<std::string> lines(1);
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const std::size_t end = std::min(text.find(' ', at), text.size());
+        const std::string word = text.substr(at, end - at);
+        std::string& line = lines.back();
+        if (!line.empty() && columns(line) + 1 + columns(word) > width)
+            lines.push_back(fitted(word, width));
+        else
+            line += (line.empty() ? "" : " ") + fitted(word, width);
+        at = end + 1;
+    }
+    return lines;
+}
+
+// Narrows the widest column, one character at a time, until a row of them (with two blanks
+// between columns and two before the first) fits `width`; a column keeps two characters.
+void narrowToFit(std::vector<std::size_t>& widths, std::size_t width) {
+    constexpr std::size_t narrowest = 2;
+    const auto total = [&] {
+        std::size_t sum = 2;
+        for (std::size_t w : widths)
+            sum += w + 2;
+        return sum - 2;
+    };
+    while (width > 0 && total() > width) {
+        auto widest = std::max_element(widths.begin(), widths.end());
+        if (widest == widths.end() || *widest <= narrowest)
+            return;
+        --*widest;
+    }
+}
+
 void collectTexts(const Widget& widget, std::vector<std::string>& texts) {
     if ((widget.kind() == Kind::label || widget.kind() == Kind::editText) && widget.IsVisible())
         texts.push_back(widget.displayText());
@@ -33,31 +85,32 @@ void collectTexts(const Widget& widget, std::vector<std::string>& texts) {
         collectTexts(*child, texts);
 }
 
-void renderWidget(Widget& widget, std::vector<std::string>& lines, std::string& buttons) {
+void renderWidget(Widget& widget, std::vector<std::string>& lines,
+                  std::vector<std::string>& buttons, std::size_t width) {
     if (!widget.IsVisible())
         return;
     switch (widget.kind()) {
     case Kind::label:
     case Kind::editText:
         if (!widget.displayText().empty())
-            lines.push_back(widget.displayText());
+            for (std::string& line : wrapped(widget.displayText(), width))
+                lines.push_back(std::move(line));
         return;
     case Kind::button: {
         const std::string caption =
             widget.displayText().empty() ? widget.GetName() : widget.displayText();
-        // Appended piece by piece: GCC 12 warns falsely (-Wrestrict) of "literal" + string.
-        if (!buttons.empty())
-            buttons += ' ';
-        buttons += widget.IsEnabled() ? '[' : '(';
-        buttons += caption;
-        buttons += widget.IsEnabled() ? ']' : ')';
+        // Built piece by piece: GCC 12 warns falsely (-Wrestrict) of "literal" + string.
+        std::string button(1, widget.IsEnabled() ? '[' : '(');
+        button += caption;
+        button += widget.IsEnabled() ? ']' : ')';
+        buttons.push_back(std::move(button));
         return;
     }
     case Kind::progressBar:
         lines.push_back(renderProgressBar(widget));
         return;
     case Kind::treeView: {
-        const auto table = renderTree(widget);
+        const auto table = renderTree(widget, width);
         lines.insert(lines.end(), table.begin(), table.end());
         return;
     }
@@ -70,16 +123,32 @@ void renderWidget(Widget& widget, std::vector<std::string>& lines, std::string& 
             collectTexts(*element, texts);
             const bool isSelected =
                 std::find(selected.begin(), selected.end(), n) != selected.end();
+            const std::string entry = texts.empty() ? "" : texts.front();
             lines.push_back(std::string(isSelected ? "* " : "  ") +
-                            (texts.empty() ? "" : texts.front()));
+                            (width > 2 ? fitted(entry, width - 2) : entry));
         }
         return;
     }
     case Kind::panel:
         for (const auto& child : widget.children())
-            renderWidget(*child, lines, buttons);
+            renderWidget(*child, lines, buttons, width);
         return;
     }
+}
+
+// The buttons on as few lines as the width allows, never one cut in two.
+void appendButtons(const std::vector<std::string>& buttons, std::size_t width,
+                   std::vector<std::string>& lines) {
+    std::string line;
+    for (const std::string& button : buttons) {
+        if (!line.empty() && width > 0 && columns(line) + 1 + columns(button) > width) {
+            lines.push_back(line);
+            line.clear();
+        }
+        line += (line.empty() ? "" : " ") + button;
+    }
+    if (!line.empty())
+        lines.push_back(line);
 }
 
 } // namespace
@@ -167,7 +236,7 @@ TreeTable tableOf(const Widget& tree) {
     return table;
 }
 
-std::vector<std::string> renderTree(const Widget& tree) {
+std::vector<std::string> renderTree(const Widget& tree, std::size_t width) {
     NodeIDList selection;
     tree.GetSelectedItems(selection);
     const TreeTable table = tableOf(tree);
@@ -186,39 +255,49 @@ std::vector<std::string> renderTree(const Widget& tree) {
             widths[c] = std::max(widths[c], columns(texts[c]));
         cells.push_back(std::move(texts));
     }
-    std::vector<std::string> lines;
-    if (!cells.empty() && table.headers.size() > 1) {
-        std::string header = "  ";
+    const bool headed = !cells.empty() && table.headers.size() > 1;
+    if (headed) {
+        widths.resize(std::max(widths.size(), table.headers.size()), 0);
         for (std::size_t c = 0; c < table.headers.size(); ++c)
-            header += c + 1 < table.headers.size() ? padded(table.headers[c], widths[c] + 2)
-                                                   : table.headers[c];
-        lines.push_back(header);
+            widths[c] = std::max(widths[c], columns(table.headers[c]));
     }
+    narrowToFit(widths, width);
+    const auto rowLine = [&](const char* mark, const std::vector<std::string>& texts) {
+        std::string line = mark;
+        for (std::size_t c = 0; c < texts.size(); ++c) {
+            const std::string text = fitted(texts[c], widths[c]);
+            line += c + 1 < texts.size() ? padded(text, widths[c] + 2) : text;
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        return line;
+    };
+    std::vector<std::string> lines;
+    if (headed)
+        lines.push_back(rowLine("  ", table.headers));
     for (std::size_t r = 0; r < cells.size(); ++r) {
         const bool isSelected =
             std::find(selection.begin(), selection.end(), tree.rows()[r].node) != selection.end();
-        std::string line = isSelected ? "* " : "  ";
-        for (std::size_t c = 0; c < cells[r].size(); ++c)
-            line += (c + 1 < cells[r].size() ? padded(cells[r][c], widths[c] + 2) : cells[r][c]);
-        line.erase(line.find_last_not_of(' ') + 1);
-        lines.push_back(line);
+        lines.push_back(rowLine(isSelected ? "* " : "  ", cells[r]));
     }
     if (lines.empty())
         lines.push_back("  (no rows)");
     return lines;
 }
 
-std::vector<std::string> renderDialog(Dialog& dialog) {
+std::vector<std::string> renderDialog(Dialog& dialog, std::size_t width) {
     std::vector<std::string> lines;
     lines.push_back(
         "== " + (dialog.title().empty() ? "dialog" : dialog.displayText(PMString(dialog.title()))) +
         " ==");
-    std::string buttons;
+    std::vector<std::string> buttons;
     for (const auto& child : dialog.root().children())
-        renderWidget(*child, lines, buttons);
-    if (!buttons.empty())
-        lines.push_back(buttons);
+        renderWidget(*child, lines, buttons, width);
+    appendButtons(buttons, width, lines);
     return lines;
+}
+
+std::string fitToWidth(const std::string& text, std::size_t width) {
+    return width == 0 ? text : fitted(text, width);
 }
 
 } // namespace Galley

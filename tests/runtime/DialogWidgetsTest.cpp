@@ -25,7 +25,8 @@ private:
     int n_;
 };
 
-const std::map<int, std::vector<int>> treeShape = {{0, {1, 4}}, {1, {2, 3}}, {4, {}}, {2, {}}, {3, {}}};
+const std::map<int, std::vector<int>> treeShape = {
+    {0, {1, 4}}, {1, {2, 3}}, {4, {}}, {2, {}}, {3, {}}};
 
 int numberOf(const NodeID& node) {
     return static_cast<const NumberNode*>(node.Get())->number();
@@ -47,7 +48,8 @@ struct Adapter : ITreeViewHierarchyAdapter {
 struct Rows : CTreeViewWidgetMgr {
     using CTreeViewWidgetMgr::CTreeViewWidgetMgr;
     IControlView* CreateWidgetForNode(const NodeID&) const override {
-        return CreateRowWidget(RsrcSpec(PMLocaleId{}, kTestPluginPrefix, kViewRsrcType, kTestRowRsrc));
+        return CreateRowWidget(
+            RsrcSpec(PMLocaleId{}, kTestPluginPrefix, kViewRsrcType, kTestRowRsrc));
     }
     WidgetID GetWidgetTypeForNode(const NodeID&) const override { return 0; }
     bool ApplyNodeIDToWidget(const NodeID& node, IControlView* row, int32) const override {
@@ -94,7 +96,9 @@ TEST_F(Dialogs, TreeRowsComeFromTheAdapterAndSelectionKeepsItsOrder) {
     struct Counter : IObserver {
         int* n;
         explicit Counter(int* counter) : n(counter) {}
-        void Update(ClassID change, ISubject*, PMIID, void*) override { *n += change == kListSelectionChangedMessage; }
+        void Update(ClassID change, ISubject*, PMIID, void*) override {
+            *n += change == kListSelectionChangedMessage;
+        }
     } counter(&announced);
     tree->GetSubject()->AttachObserver(&counter, IID_ILISTCONTROLDATA);
     tree->Select(new NumberNode(3));
@@ -107,7 +111,12 @@ TEST_F(Dialogs, TreeRowsComeFromTheAdapterAndSelectionKeepsItsOrder) {
     EXPECT_EQ(announced, 2);
 
     EXPECT_EQ(Galley::renderTree(*tree),
-              (std::vector<std::string>{"  Name      State", "* font 1", "    font 2", "*   font 3", "  font 4"}));
+              (std::vector<std::string>{"  Name      State", "* font 1", "    font 2", "*   font 3",
+                                        "  font 4"}));
+    // On a terminal of 14 columns the widest column gives way, its texts cut with "…".
+    EXPECT_EQ(Galley::renderTree(*tree, 14),
+              (std::vector<std::string>{"  Name   State", "* font\u2026", "    fo\u2026",
+                                        "*   fo\u2026", "  font\u2026"}));
     tree->ClearTree();
     EXPECT_EQ(tree->RowCount(), 0);
     selected.clear();
@@ -125,9 +134,12 @@ TEST_F(Dialogs, ListElementsComeFromTheirResourceAndDoubleClickSelectsAndTells) 
         ASSERT_NE(made, nullptr);
         made->GetPanelControlData()->FindWidget(0x7E5721)->GetTextControlData()->SetString(
             PMString(name, PMString::kDontTranslateDuringCall));
-        static_cast<Galley::Widget*>(made)->addAddIn(IID_IEVENTHANDLER, std::make_unique<DoubleClicks>(&clicks));
+        static_cast<Galley::Widget*>(made)->addAddIn(IID_IEVENTHANDLER,
+                                                     std::make_unique<DoubleClicks>(&clicks));
     }
-    EXPECT_EQ(list->AddListElementWidget(RsrcSpec(PMLocaleId{}, kTestPluginPrefix, kViewRsrcType, 999), 0), nullptr);
+    EXPECT_EQ(list->AddListElementWidget(
+                  RsrcSpec(PMLocaleId{}, kTestPluginPrefix, kViewRsrcType, 999), 0),
+              nullptr);
     list->doubleClickElement(2);
     K2Vector<int32> selected;
     list->GetSelected(selected);
@@ -143,49 +155,60 @@ TEST_F(Dialogs, HeadlessRenderingShowsEveryWidgetKind) {
     const auto lines = Galley::renderDialog(*dialog);
     // Title through the string table; the label's key has no text and shows as the key.
     EXPECT_EQ(lines, (std::vector<std::string>{"== Test dialog ==", "0x7e5700kLabelKey",
-                                                "[#######.......................]", "  (no rows)",
-                                                "(Probe) [OK]"}));
+                                               "[#######.......................]", "  (no rows)",
+                                               "(Probe) [OK]"}));
 }
 
 TEST(UiDescription, BadDescriptionsNameTheFileTheLineAndTheFault) {
     const auto ui = [](const std::string& widgets) {
-        return "<ui version=\"4.0\"><widget class=\"QDialog\" name=\"d\"><property name=\"widgetID\">"
-               "<string>0x10</string></property>" + widgets + "</widget></ui>";
+        return "<ui version=\"4.0\"><widget class=\"QDialog\" name=\"d\"><property "
+               "name=\"widgetID\">"
+               "<string>0x10</string></property>" +
+               widgets + "</widget></ui>";
     };
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"<ui><widget", "not well-formed XML"},
         {"<form/>", "no <ui> root"},
-        {ui("<widget class=\"QCalendarWidget\" name=\"when\"/>"), "class \"QCalendarWidget\", which Galley's dialogs do not know"},
-        {ui("<widget class=\"QPushButton\" name=\"go\"/>"), "widget \"go\" (QPushButton) has no widgetID"},
-        {ui("<widget class=\"QLabel\" name=\"x\"><property name=\"widgetID\"><string>twelve</string></property></widget>"),
+        {ui("<widget class=\"QCalendarWidget\" name=\"when\"/>"),
+         "class \"QCalendarWidget\", which Galley's dialogs do not know"},
+        {ui("<widget class=\"QPushButton\" name=\"go\"/>"),
+         "widget \"go\" (QPushButton) has no widgetID"},
+        {ui("<widget class=\"QLabel\" name=\"x\"><property "
+            "name=\"widgetID\"><string>twelve</string></property></widget>"),
          "widgetID \"twelve\", which is not a number"},
-        {"<ui><widget class=\"QDialog\" name=\"bare\"/></ui>", "widget \"bare\" (QDialog) has no widgetID"},
+        {"<ui><widget class=\"QDialog\" name=\"bare\"/></ui>",
+         "widget \"bare\" (QDialog) has no widgetID"},
     };
     for (const auto& [xml, fault] : cases) {
         try {
             Galley::parseUiDescription(xml, "res/dialog.ui");
             ADD_FAILURE() << "accepted: " << xml;
         } catch (const std::runtime_error& error) {
-            EXPECT_NE(std::string(error.what()).find("dialog description res/dialog.ui"), std::string::npos) << error.what();
+            EXPECT_NE(std::string(error.what()).find("dialog description res/dialog.ui"),
+                      std::string::npos)
+                << error.what();
             EXPECT_NE(std::string(error.what()).find(fault), std::string::npos) << error.what();
         }
     }
     // Labels and panels may go without an identifier; layouts and spacers are looked through.
     const auto spec = Galley::parseUiDescription(
-        ui("<layout class=\"QVBoxLayout\"><item><widget class=\"QLabel\" name=\"l\"/></item><item><spacer/></item></layout>"),
+        ui("<layout class=\"QVBoxLayout\"><item><widget class=\"QLabel\" "
+           "name=\"l\"/></item><item><spacer/></item></layout>"),
         "ok.ui");
     ASSERT_EQ(spec.children.size(), 1u);
     EXPECT_EQ(spec.children[0].kind, Galley::WidgetSpec::Kind::label);
 }
 
 TEST(BatchScript, ActionsReadAsWordsAndBadOnesSayWhatIsExpected) {
-    const auto actions = Galley::parseBatchActions(
-        {"select", "Font-Bold/2", "press", "Activate", "pick", "DejaVu Sans", "wait", "save-as", "out.idml"});
+    const auto actions =
+        Galley::parseBatchActions({"select", "Font-Bold/2", "press", "Activate", "pick",
+                                   "DejaVu Sans", "wait", "save-as", "out.idml"});
     std::vector<std::string> described;
     for (const auto& action : actions)
         described.push_back(action.describe());
-    EXPECT_EQ(described, (std::vector<std::string>{"select Font-Bold/2", "press Activate", "pick DejaVu Sans",
-                                                   "wait", "save-as out.idml"}));
+    EXPECT_EQ(described,
+              (std::vector<std::string>{"select Font-Bold/2", "press Activate", "pick DejaVu Sans",
+                                        "wait", "save-as out.idml"}));
     const std::vector<std::pair<std::vector<std::string>, std::string>> bad = {
         {{"click", "OK"}, "unknown action \"click\""},
         {{"press"}, "action \"press\" needs an argument"},
