@@ -66,6 +66,20 @@ struct LibraryChange {
     std::int64_t unixTime = 0;
 };
 
+// A named collection of faces that the user activates and deactivates together.
+struct FaceSet {
+    std::int64_t id = 0;
+    std::string name;
+    std::int64_t faceCount = 0;
+};
+
+// An application that asked for a face vellumine activated on its own: the face stays while
+// one of them runs.
+struct AutoRequester {
+    std::int64_t faceId = 0;
+    std::string application; // the signature from <targetApp>
+};
+
 struct AddedFace {
     std::int64_t id = 0;
     bool isNew = false;
@@ -74,7 +88,7 @@ struct AddedFace {
 // The font library in SQLite.
 class Catalog {
 public:
-    static constexpr int schemaVersion = 2;
+    static constexpr int schemaVersion = 3;
     using Access = SqliteDatabase::Access;
     // Told when the catalog was busy and the work is tried again.
     using BusyReporter = std::function<void(const std::string& message)>;
@@ -141,9 +155,38 @@ public:
     bool systemFonts();
     void setSystemFonts(bool on);
 
+    // --- Schema 3: sets, the requesters of automatic activations, text settings ---
+
+    // The set's identifier, made when no set has that name.
+    std::int64_t createSet(const std::string& name);
+    std::optional<std::int64_t> setByName(const std::string& name);
+    // Removes the set (never its faces); false when no set has that name.
+    bool deleteSet(const std::string& name);
+    std::vector<FaceSet> sets();
+    // Adding a member twice changes nothing.
+    void addToSet(std::int64_t setId, std::int64_t faceId);
+    void removeFromSet(std::int64_t setId, std::int64_t faceId);
+    std::vector<std::int64_t> setMembers(std::int64_t setId);
+
+    // Every application that asked for a face still active automatically: the one it was
+    // activated for (LinkRecord::autoFor) and those that asked for it since.
+    std::vector<AutoRequester> autoRequesters();
+    void addRequester(std::int64_t faceId, const std::string& application);
+    // Forgets who asked for the face, besides the one it is activated for.
+    void clearRequesters(std::int64_t faceId);
+
+    // Whether faces activated for an application are deactivated once it has left.
+    bool autoDeactivation();
+    void setAutoDeactivation(bool on);
+    // The store a buy request opens; "%s" stands for the font's name. Empty: the default.
+    std::string storeUrl();
+    void setStoreUrl(const std::string& urlTemplate);
+
 private:
     bool setting(const std::string& name);
     void setSetting(const std::string& name, bool on);
+    std::string textSetting(const std::string& name);
+    void setTextSetting(const std::string& name, const std::string& value);
     void retrying(const std::function<void()>& work);
     void migrate();
     std::vector<FaceRecord> faces(SqliteStatement& statement);
