@@ -52,7 +52,7 @@ std::string answerShowRequest(Catalog& catalog, const Request& request,
     if (onDisplay(desktop, request)) {
         const RequestFont& first = request.fonts.front();
         desktop->showFace(first.containerID, first.psName);
-        return reply.element("message", "shown in vellumine's window").finish();
+        return reply.element("message", std::string("shown in vellumine's window")).finish();
     }
     return reply.element("message", std::string("recorded; see vellumine status")).finish();
 }

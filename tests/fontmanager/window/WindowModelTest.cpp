@@ -71,17 +71,16 @@ TEST_F(WindowModelTest, TheLibraryByFamilyWithEachFacesStateAndOrigin) {
     QAbstractItemModelTester tester(&model->library(),
                                     QAbstractItemModelTester::FailureReportingMode::Fatal);
     model->catalog().write([&] {
-        model->catalog().recordLink({id("DejaVuSerif"), scratch.path() / "l", dejaVuSerif, {}, {},
-                                     "InDn"});
+        model->catalog().recordLink(
+            {id("DejaVuSerif"), scratch.path() / "l", dejaVuSerif, {}, {}, "InDn"});
         model->catalog().addRequester(id("DejaVuSerif"), "XPRS");
     });
     model->activate({id("NimbusRoman-Regular", 1)});
     const QStringList rows = shown();
     for (const char* row : {"NimbusRoman-Regular inactive", "NimbusRoman-Regular active",
-                               "DejaVuSerif active for Galley, XPRS",
-                               "DejaVuSerif on the system", "TeXGyrePagella-Regular inactive"}) {
-        EXPECT_TRUE(rows.contains(row)) << row << "\n"
-                                        << rows.join("\n").toStdString();
+                            "DejaVuSerif active for Galley, XPRS", "DejaVuSerif on the system",
+                            "TeXGyrePagella-Regular inactive"}) {
+        EXPECT_TRUE(rows.contains(row)) << row << "\n" << rows.join("\n").toStdString();
     }
     QStringList families;
     for (const auto& family : model->library().families()) {
@@ -149,7 +148,8 @@ TEST_F(WindowModelTest, PreviewsAreDrawnFromTheFileWithoutActivatingAndDamageIsS
 TEST_F(WindowModelTest, DetailsComeFromTheNameTableOrTheType1FontInfo) {
     const auto details = [&](std::int64_t face) {
         std::map<QString, QString> rows;
-        for (const auto& [label, value] : WindowModel::detailRows({*model->catalog().face(face), {}})) {
+        for (const auto& [label, value] :
+             WindowModel::detailRows({*model->catalog().face(face), {}})) {
             rows[label] = value;
         }
         return rows;
@@ -197,7 +197,7 @@ TEST_F(WindowModelTest, AddingAFolderReportsProgressAndReloadsTheLibrary) {
     job.start();
     ASSERT_TRUE(job.wait(60000));
     QCoreApplication::processEvents();
-    EXPECT_GE(progress.size(), 3u); // a start, steps, an end
+    EXPECT_GE(progress.size(), 3u);        // a start, steps, an end
     EXPECT_EQ(job.report().facesKnown, 1); // NimbusRoman-Regular.otf
     model->libraryFilesChanged();
     model->setSearch(QStringLiteral("P052"));
