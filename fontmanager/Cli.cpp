@@ -564,10 +564,10 @@ void printUsage(std::ostream& out) {
     for (const auto& [name, command] : commands()) {
         out << "  " << command.usage << "\n";
     }
-    out << "\n`vellumine --version` tells the version, `vellumine COMMAND --help` describes a "
-           "command. The library lives in\n"
-           "$XDG_DATA_HOME/vellumine/library.db; active fonts are linked into\n"
-           "$XDG_DATA_HOME/fonts/vellumine/. VELLUMINE_LOG=1 logs to standard error.\n";
+    out << "\n`vellumine COMMAND --help` describes a command, `vellumine --version` tells the\n"
+           "version. The library lives in $XDG_DATA_HOME/vellumine/library.db; active fonts\n"
+           "are linked into $XDG_DATA_HOME/fonts/vellumine/. VELLUMINE_LOG=1 logs to standard\n"
+           "error.\n";
 }
 
 } // namespace

@@ -41,6 +41,23 @@ std::vector<FamilyEntry> group(std::vector<FaceEntry> faces) {
 
 } // namespace
 
+QString FamilyEntry::summary() const {
+    const auto onSystem = std::count_if(faces.begin(), faces.end(),
+                                        [](const FaceEntry& e) { return e.face.onSystem; });
+    const auto held = static_cast<std::ptrdiff_t>(faces.size()) - onSystem;
+    const auto active = std::count_if(faces.begin(), faces.end(), [](const FaceEntry& e) {
+        return e.face.active && !e.face.onSystem;
+    });
+    QStringList parts;
+    if (held > 0) {
+        parts << QStringLiteral("%1 of %2 active").arg(active).arg(held);
+    }
+    if (onSystem > 0) {
+        parts << QStringLiteral("%1 on the system").arg(onSystem);
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
 QString FaceEntry::state() const {
     if (face.onSystem) {
         return QStringLiteral("on the system");
@@ -188,9 +205,7 @@ QVariant LibraryModel::data(const QModelIndex& index, int role) const {
         return family.name;
     }
     if (role == Qt::DisplayRole && index.column() == stateColumn) {
-        const auto active = std::count_if(family.faces.begin(), family.faces.end(),
-                                          [](const FaceEntry& e) { return e.face.active; });
-        return QStringLiteral("%1 of %2 active").arg(active).arg(family.faces.size());
+        return family.summary();
     }
     return {};
 }

@@ -23,6 +23,9 @@ struct FaceEntry {
 struct FamilyEntry {
     QString name;
     std::vector<FaceEntry> faces;
+
+    // "2 of 4 active, 4 on the system"
+    QString summary() const;
 };
 
 // The library's families (case-insensitively sorted) and their faces (by style), with the

@@ -48,17 +48,21 @@ MainWindow::MainWindow(WindowModel& model, QWidget* parent) : QMainWindow(parent
     tabs->addTab(duplicateTree, QStringLiteral("Duplicates"));
     splitter->addWidget(tabs);
     splitter->addWidget(makeDetailsPane());
-    splitter->setSizes({640, 460});
+    splitter->setSizes({700, 480});
     setCentralWidget(splitter);
     connect(&model, &WindowModel::reloaded, this, [this] {
-        duplicateTree->expandAll();
-        for (int column = 0; column < 4; ++column) {
-            duplicateTree->resizeColumnToContents(column);
-        }
+        fitDuplicates();
         selectionChanged();
     });
+    fitDuplicates();
+    resize(1180, 720);
+}
+
+void MainWindow::fitDuplicates() {
     duplicateTree->expandAll();
-    resize(1100, 680);
+    for (int column = 0; column < model.duplicates().columnCount(); ++column) {
+        duplicateTree->resizeColumnToContents(column);
+    }
 }
 
 void MainWindow::makeToolBar() {
@@ -97,10 +101,10 @@ QWidget* MainWindow::makeLibraryTab() {
     tree->setSelectionBehavior(QAbstractItemView::SelectRows);
     tree->setAlternatingRowColors(true);
     tree->setUniformRowHeights(true);
-    tree->header()->resizeSection(LibraryModel::nameColumn, 220);
-    tree->header()->resizeSection(LibraryModel::postScriptNameColumn, 220);
-    tree->header()->resizeSection(LibraryModel::formatColumn, 60);
-    tree->header()->resizeSection(LibraryModel::stateColumn, 150);
+    tree->header()->resizeSection(LibraryModel::nameColumn, 190);
+    tree->header()->resizeSection(LibraryModel::postScriptNameColumn, 180);
+    tree->header()->resizeSection(LibraryModel::formatColumn, 55);
+    tree->header()->resizeSection(LibraryModel::stateColumn, 170);
     connect(tree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &MainWindow::selectionChanged);
     return tree;

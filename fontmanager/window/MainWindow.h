@@ -36,6 +36,7 @@ private:
     QWidget* makeDetailsPane();
     void makeToolBar();
     void selectionChanged();
+    void fitDuplicates();
     void refreshPreview();
     void showDetails(const FaceEntry* entry);
     std::vector<std::int64_t> selectedFaces() const;
