@@ -81,9 +81,9 @@ void MainWindow::makeToolBar() {
     bar->addWidget(search);
     bar->addSeparator();
     bar->addAction(QStringLiteral("Activate"), this,
-                   [this] { report(model.activate(selectedFaces())); });
+                   [this] { guarded([&] { report(model.activate(selectedFaces())); }); });
     bar->addAction(QStringLiteral("Deactivate"), this,
-                   [this] { report(model.deactivate(selectedFaces())); });
+                   [this] { guarded([&] { report(model.deactivate(selectedFaces())); }); });
     auto* add = new QToolButton;
     add->setText(QStringLiteral("Add Fonts…"));
     add->setPopupMode(QToolButton::InstantPopup);
@@ -292,7 +292,7 @@ void MainWindow::addFonts(bool folders) {
     });
     connect(job, &QThread::finished, this, [this, job, progress] {
         progress->deleteLater();
-        model.libraryFilesChanged();
+        guarded([&] { model.libraryFilesChanged(); });
         statusBar()->showMessage(job->summary());
         job->deleteLater();
     });

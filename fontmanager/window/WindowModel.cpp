@@ -42,8 +42,15 @@ void WindowModel::watchChanges() {
     notify_check(changeToken, &ignored); // the first check always reports a change
     connect(&changeTimer, &QTimer::timeout, this, [this] {
         int changed = 0;
-        if (notify_check(changeToken, &changed) == 0 && changed != 0) {
+        if (notify_check(changeToken, &changed) != 0 || changed == 0) {
+            return;
+        }
+        try {
             reload();
+        } catch (const std::exception& error) {
+            // A catalog busy for long, or gone: the window shows what it had and tries again
+            // with the next change.
+            Logger::log("vellumine-window", std::string("cannot reload: ") + error.what());
         }
     });
     changeTimer.start(changePollMillis);
@@ -90,7 +97,15 @@ void WindowModel::loadDuplicates(const std::vector<FaceRecord>& faces) {
     duplicatesModel.setHorizontalHeaderLabels({QStringLiteral("PostScript name / format"),
                                                QStringLiteral("Version"), QStringLiteral("File"),
                                                QStringLiteral("State")});
-    for (const auto& group : findDuplicates(faces)) {
+    const auto cachedDetails = [this](const FaceRecord& face) {
+        const auto key = std::make_pair(face.file.string(), face.faceIndex);
+        const auto found = detailsCache.find(key);
+        if (found != detailsCache.end()) {
+            return found->second;
+        }
+        return detailsCache[key] = readFaceDetails(face.file, face.faceIndex);
+    };
+    for (const auto& group : findDuplicates(faces, cachedDetails)) {
         QStringList differences;
         for (const auto& difference : group.differences) {
             differences << text(difference);

@@ -14,6 +14,7 @@
 #include <QStandardItemModel>
 #include <QTimer>
 
+#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -92,6 +93,8 @@ private:
     QStandardItemModel duplicatesModel;
     QTimer changeTimer;
     int changeToken = -1;
+    // Duplicates are listed again on every reload; their files are read once.
+    std::map<std::pair<std::string, long>, FaceDetails> detailsCache;
 };
 
 } // namespace Vellumine::Window
