@@ -20,7 +20,7 @@
 #include "PrivateSession.h"
 
 #include "fontmanager/Activation.h"
-#include "fontmanager/Catalog.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
@@ -56,7 +56,7 @@ bool startWorld() {
         std::fprintf(stderr, "no private session: %s\n", world->session.error().c_str());
         return false;
     }
-    Vellumine::Catalog catalog(Vellumine::LibraryPaths::fromEnvironment().catalogFile());
+    Vellumine::SqliteCatalog catalog(Vellumine::LibraryPaths::fromEnvironment().catalogFile());
     Vellumine::FaceReader reader;
     Vellumine::LibraryImporter(catalog, reader)
         .add({"/usr/share/fonts/type1/urw-base35", "/usr/share/fonts/opentype/urw-base35",
@@ -131,7 +131,7 @@ void reportAgainstEcho(benchmark::State& state, const std::string& text, Exchang
 
 // The setting as the server reads it, from the catalog, at each request.
 void useSystemFonts(const benchmark::State& state) {
-    Vellumine::Catalog catalog(Vellumine::LibraryPaths::fromEnvironment().catalogFile());
+    Vellumine::SqliteCatalog catalog(Vellumine::LibraryPaths::fromEnvironment().catalogFile());
     catalog.write([&] { catalog.setSystemFonts(state.range(1) != 0); });
 }
 
@@ -190,7 +190,7 @@ void BM_AnswerWithoutBus(benchmark::State& state) {
     useSystemFonts(state);
     const std::string text = requestText(makeRecords(static_cast<int>(state.range(0))));
     const auto paths = Vellumine::LibraryPaths::fromEnvironment();
-    Vellumine::Catalog catalog(paths.catalogFile());
+    Vellumine::SqliteCatalog catalog(paths.catalogFile());
     Vellumine::Activation activation(catalog, paths.activationFolder());
     Vellumine::LibraryChanges changes(catalog, [](const std::string&) { return 0; });
     Vellumine::RequestDispatcher dispatcher(catalog, activation, changes);

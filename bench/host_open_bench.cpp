@@ -4,7 +4,7 @@
 #include "host/document/IdmlDocument.h"
 #include "host/fonts/FontconfigFontSystem.h"
 #include "host/idml/IdmlPackage.h"
-#include "host/session/SessionFontMgr.h"
+#include "host/fonts/SessionFontMgr.h"
 
 #include <benchmark/benchmark.h>
 

@@ -13,7 +13,7 @@
 #include "IdmlBuilder.h"
 #include "PrivateSession.h"
 
-#include "fontmanager/Catalog.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
@@ -82,7 +82,7 @@ bool startWorld() {
     setenv("FONTCONFIG_FILE", (root + "/fonts.conf").c_str(), 1);
     std::filesystem::create_directories(world->session.dataHome() + "/fonts");
 
-    Vellumine::Catalog catalog(Vellumine::LibraryPaths::fromEnvironment().catalogFile());
+    Vellumine::SqliteCatalog catalog(Vellumine::LibraryPaths::fromEnvironment().catalogFile());
     Vellumine::FaceReader reader;
     Vellumine::LibraryImporter(catalog, reader)
         .add({"/usr/share/fonts/opentype/urw-base35",

@@ -8,8 +8,8 @@
 // FontArrival: the time from a font linked into a watched folder to the font-system change
 // (16074) announced by Galley's runtime; median over the repetitions (goal: under 50 ms).
 #include "host/fonts/FontconfigFontSystem.h"
+#include "host/loop/SdEventLoop.h"
 #include "host/runtime/Runtime.h"
-#include "host/runtime/SdEventLoop.h"
 #include "host/session/GalleySession.h"
 #include "sdk/HostIdentifiers.h"
 #include "sdk/IObserver.h"

@@ -47,20 +47,20 @@ bool recordRequester(Catalog& catalog, const std::vector<std::int64_t>& active,
 AutomaticCandidates automaticActivationCandidates(Catalog& catalog, const Request& request,
                                                   const SystemFonts* system) {
     AutomaticCandidates candidates;
-    SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
-    FontMatcher matcher(catalog, system);
-    for (const auto& font : request.fonts) {
-        const FontMatch& match = matcher.match(font);
-        if (!match.isActive() && match.typeMatching.size() == 1) {
-            candidates.toActivate.push_back(match.typeMatching.front()->id);
-        }
-        for (const FaceRecord* face : match.faces) {
-            if (face->active && !face->onSystem) {
-                candidates.active.push_back(face->id);
+    catalog.read([&] {
+        FontMatcher matcher(catalog, system);
+        for (const auto& font : request.fonts) {
+            const FontMatch& match = matcher.match(font);
+            if (!match.isActive() && match.typeMatching.size() == 1) {
+                candidates.toActivate.push_back(match.typeMatching.front()->id);
+            }
+            for (const FaceRecord* face : match.faces) {
+                if (face->active && !face->onSystem) {
+                    candidates.active.push_back(face->id);
+                }
             }
         }
-    }
-    snapshot.commit();
+    });
     sortUnique(candidates.toActivate);
     sortUnique(candidates.active);
     return candidates;

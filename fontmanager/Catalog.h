@@ -1,12 +1,11 @@
 #pragma once
 
+#include "fontmanager/CatalogError.h"
 #include "fontmanager/FaceReader.h"
-#include "fontmanager/Sqlite.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -85,114 +84,110 @@ struct AddedFace {
     bool isNew = false;
 };
 
-// The font library in SQLite.
+// The font library's catalog: its faces, the links that activated them, the applications
+// that hear of changes, the change journal and the user's settings. One interface, several
+// databases behind it (see openCatalog() in fontmanager/OpenCatalog.h): SQLite, a file of
+// the user's own, is the default.
+//
+// Every failure is a CatalogError (or a subclass) whose message names the library.
 class Catalog {
 public:
-    static constexpr int schemaVersion = 3;
-    using Access = SqliteDatabase::Access;
     // Told when the catalog was busy and the work is tried again.
     using BusyReporter = std::function<void(const std::string& message)>;
 
-    // Opens or creates the catalog file (and its folder) and brings its schema up to date.
-    // Read-only access neither creates nor changes anything.
-    explicit Catalog(const std::filesystem::path& file, Access access = Access::readWrite,
-                     BusyReporter busyReporter = {});
+    virtual ~Catalog() = default;
 
-    // Read-write where the catalog can be written, else read-only: for commands that only
-    // read, so that a catalog the user may not write can still be listed.
-    static std::unique_ptr<Catalog> openForReading(const std::filesystem::path& file);
+    // How messages name the library ("catalog /home/ann/.local/share/vellumine/library.db").
+    virtual std::string description() const = 0;
+    // The library URL it was opened from ("sqlite:/home/ann/.local/share/vellumine/library.db").
+    virtual std::string location() const = 0;
+    // Opened for reading only: every change fails.
+    virtual bool isReadOnly() const = 0;
 
-    SqliteDatabase& database() { return db; }
-    const std::filesystem::path& file() const { return db.file(); }
+    // Runs `work` in one write transaction; when the catalog stays busy, reports it and tries
+    // again a few times before giving up. `work` must be safe to run again after a rollback.
+    // Inside a transaction, a nested call joins it.
+    virtual void write(const std::function<void()>& work) = 0;
+    // Runs `work` on one consistent view of the catalog (a read transaction), so that many
+    // queries cost one snapshot instead of one each. Inside a transaction, joins it.
+    virtual void read(const std::function<void()>& work) = 0;
+    // What the database's own consistency check finds wrong, one line each.
+    virtual std::vector<std::string> integrityProblems() = 0;
 
-    // Runs `work` in one write transaction; when the catalog stays busy past the time-out,
-    // reports it and tries again a few times before letting SqliteBusy through. `work` must
-    // be safe to run again after a rollback.
-    void write(const std::function<void()>& work);
+    // Adds or refreshes a face; a face added again keeps its identifier.
+    virtual AddedFace addFace(const std::filesystem::path& file,
+                              const std::filesystem::path& metricsFile,
+                              const FaceDescription& face) = 0;
 
-    // Adds or refreshes a face; the (file, face index) pair keeps its identifier.
-    AddedFace addFace(const std::filesystem::path& file, const std::filesystem::path& metricsFile,
-                      const FaceDescription& face);
-
-    std::optional<FaceRecord> face(std::int64_t id);
-    std::vector<FaceRecord> facesByPostScriptName(const std::string& name);
+    virtual std::optional<FaceRecord> face(std::int64_t id) = 0;
+    virtual std::vector<FaceRecord> facesByPostScriptName(const std::string& name) = 0;
     // Case-insensitive (ASCII) family match; every style of the family.
-    std::vector<FaceRecord> facesByFamily(const std::string& family);
-    std::vector<FaceRecord> facesOfFile(const std::filesystem::path& file);
-    std::vector<FaceRecord> allFaces();
+    virtual std::vector<FaceRecord> facesByFamily(const std::string& family) = 0;
+    virtual std::vector<FaceRecord> facesOfFile(const std::filesystem::path& file) = 0;
+    virtual std::vector<FaceRecord> allFaces() = 0;
     // Rows whose type this vellumine does not know (written by another version): left out
     // of every face query, so that they cannot break listings; `check` names them.
-    std::vector<std::pair<std::int64_t, std::string>> facesOfUnknownType();
-    std::int64_t faceCount();
-    std::int64_t activeFaceCount();
+    virtual std::vector<std::pair<std::int64_t, std::string>> facesOfUnknownType() = 0;
+    virtual std::int64_t faceCount() = 0;
+    virtual std::int64_t activeFaceCount() = 0;
 
-    void recordLink(const LinkRecord& link);
-    std::optional<LinkRecord> link(std::int64_t faceId);
-    std::vector<LinkRecord> allLinks();
-    std::vector<LinkRecord> autoActivatedLinks();
+    virtual void recordLink(const LinkRecord& link) = 0;
+    virtual std::optional<LinkRecord> link(std::int64_t faceId) = 0;
+    virtual std::vector<LinkRecord> allLinks() = 0;
+    virtual std::vector<LinkRecord> autoActivatedLinks() = 0;
     // The user (or an application's explicit request) wants this active face: it no longer
     // counts as activated automatically.
-    void claimLink(std::int64_t faceId);
+    virtual void claimLink(std::int64_t faceId) = 0;
     // How many faces use this link (faces of one collection share one).
-    std::int64_t linkUsers(const std::filesystem::path& link);
-    void removeLink(std::int64_t faceId);
+    virtual std::int64_t linkUsers(const std::filesystem::path& link) = 0;
+    virtual void removeLink(std::int64_t faceId) = 0;
 
-    void rememberTarget(const TargetApplication& target);
-    std::vector<TargetApplication> targets();
+    virtual void rememberTarget(const TargetApplication& target) = 0;
+    virtual std::vector<TargetApplication> targets() = 0;
 
-    void recordWindowlessRequest(const WindowlessRequest& request);
+    virtual void recordWindowlessRequest(const WindowlessRequest& request) = 0;
     // Newest first; `kind` empty for both kinds.
-    std::vector<WindowlessRequest> windowlessRequests(const std::string& kind, int limit);
+    virtual std::vector<WindowlessRequest> windowlessRequests(const std::string& kind,
+                                                              int limit) = 0;
 
-    std::int64_t recordChange(const std::string& kind);
-    std::int64_t lastChange();
-    std::vector<LibraryChange> changesAfter(std::int64_t id);
+    virtual std::int64_t recordChange(const std::string& kind) = 0;
+    virtual std::int64_t lastChange() = 0;
+    virtual std::vector<LibraryChange> changesAfter(std::int64_t id) = 0;
 
     // User settings, kept in the catalog so that the server and the command line share them.
-    bool autoActivation();
-    void setAutoActivation(bool on);
+    virtual bool autoActivation() = 0;
+    virtual void setAutoActivation(bool on) = 0;
     // Whether font requests count the fonts fontconfig lists besides vellumine's own.
-    bool systemFonts();
-    void setSystemFonts(bool on);
+    virtual bool systemFonts() = 0;
+    virtual void setSystemFonts(bool on) = 0;
 
-    // --- Schema 3: sets, the requesters of automatic activations, text settings ---
+    // --- Sets, the requesters of automatic activations, and two more settings (SQLite
+    // schema 3) ---
 
     // The set's identifier, made when no set has that name.
-    std::int64_t createSet(const std::string& name);
-    std::optional<std::int64_t> setByName(const std::string& name);
+    virtual std::int64_t createSet(const std::string& name) = 0;
+    virtual std::optional<std::int64_t> setByName(const std::string& name) = 0;
     // Removes the set (never its faces); false when no set has that name.
-    bool deleteSet(const std::string& name);
-    std::vector<FaceSet> sets();
+    virtual bool deleteSet(const std::string& name) = 0;
+    virtual std::vector<FaceSet> sets() = 0;
     // Adding a member twice changes nothing.
-    void addToSet(std::int64_t setId, std::int64_t faceId);
-    void removeFromSet(std::int64_t setId, std::int64_t faceId);
-    std::vector<std::int64_t> setMembers(std::int64_t setId);
+    virtual void addToSet(std::int64_t setId, std::int64_t faceId) = 0;
+    virtual void removeFromSet(std::int64_t setId, std::int64_t faceId) = 0;
+    virtual std::vector<std::int64_t> setMembers(std::int64_t setId) = 0;
 
     // Every application that asked for a face still active automatically: the one it was
     // activated for (LinkRecord::autoFor) and those that asked for it since.
-    std::vector<AutoRequester> autoRequesters();
-    void addRequester(std::int64_t faceId, const std::string& application);
+    virtual std::vector<AutoRequester> autoRequesters() = 0;
+    virtual void addRequester(std::int64_t faceId, const std::string& application) = 0;
     // Forgets who asked for the face, besides the one it is activated for.
-    void clearRequesters(std::int64_t faceId);
+    virtual void clearRequesters(std::int64_t faceId) = 0;
 
     // Whether faces activated for an application are deactivated once it has left.
-    bool autoDeactivation();
-    void setAutoDeactivation(bool on);
+    virtual bool autoDeactivation() = 0;
+    virtual void setAutoDeactivation(bool on) = 0;
     // The store a buy request opens; "%s" stands for the font's name. Empty: the default.
-    std::string storeUrl();
-    void setStoreUrl(const std::string& urlTemplate);
-
-private:
-    bool setting(const std::string& name);
-    void setSetting(const std::string& name, bool on);
-    std::string textSetting(const std::string& name);
-    void setTextSetting(const std::string& name, const std::string& value);
-    void retrying(const std::function<void()>& work);
-    void migrate();
-    std::vector<FaceRecord> faces(SqliteStatement& statement);
-
-    SqliteDatabase db;
-    BusyReporter busyReporter;
+    virtual std::string storeUrl() = 0;
+    virtual void setStoreUrl(const std::string& urlTemplate) = 0;
 };
 
 } // namespace Vellumine

@@ -11,6 +11,7 @@
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
+#include "fontmanager/OpenCatalog.h"
 #include "fontmanager/Server.h"
 #include "fontmanager/StoreUrl.h"
 #include "platform/linux/DBusAppEvents.h"
@@ -57,9 +58,13 @@ std::string formatTime(std::int64_t unixTime) {
 
 // A catalog for a command that changes it; being busy is reported where the user sees it.
 std::unique_ptr<Catalog> openForWriting(const LibraryPaths& paths, std::ostream& errors) {
-    return std::make_unique<Catalog>(
-        paths.catalogFile(), Catalog::Access::readWrite,
+    return openCatalog(
+        LibraryLocation::sqliteFile(paths.catalogFile()),
         [&errors](const std::string& message) { errors << "vellumine: " << message << "\n"; });
+}
+
+std::unique_ptr<Catalog> openForReading(const LibraryPaths& paths) {
+    return openCatalogForReading(LibraryLocation::sqliteFile(paths.catalogFile()));
 }
 
 // A value in a tab-separated line: tabs, line ends and other control characters would
@@ -144,7 +149,7 @@ int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& err
             return usageError;
         }
     }
-    const auto catalog = Catalog::openForReading(LibraryPaths::fromEnvironment().catalogFile());
+    const auto catalog = openForReading(LibraryPaths::fromEnvironment());
     const auto faces = name.empty() ? catalog->allFaces() : catalog->facesByPostScriptName(name);
     for (const auto& face : faces) {
         if (!activeOnly || face.active) {
@@ -268,10 +273,10 @@ int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& e
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    const auto catalogFile = Catalog::openForReading(paths.catalogFile());
+    const auto catalogFile = openForReading(paths);
     Catalog& catalog = *catalogFile;
     out << "catalog: " << paths.catalogFile().string()
-        << (catalog.database().isReadOnly() ? " (read-only)" : "") << "\n"
+        << (catalog.isReadOnly() ? " (read-only)" : "") << "\n"
         << "activation folder: " << paths.activationFolder().string() << "\n"
         << "faces: " << catalog.faceCount() << " (" << catalog.activeFaceCount() << " active)\n"
         << "auto-activation: " << (catalog.autoActivation() ? "on" : "off") << "\n"
@@ -302,8 +307,7 @@ int checkCommand(const Arguments& arguments, std::ostream& out, std::ostream& er
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    const auto catalog =
-        repair ? openForWriting(paths, errors) : Catalog::openForReading(paths.catalogFile());
+    const auto catalog = repair ? openForWriting(paths, errors) : openForReading(paths);
     const LibraryCheckReport report = checkLibrary(*catalog, paths.activationFolder(), repair);
     for (const auto& problem : report.problems) {
         out << "problem: " << field(problem) << "\n";
@@ -351,7 +355,7 @@ int storeUrlCommand(const Arguments& arguments, std::ostream& out, std::ostream&
 int configCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
     const auto paths = LibraryPaths::fromEnvironment();
     if (arguments.empty()) {
-        const auto catalog = Catalog::openForReading(paths.catalogFile());
+        const auto catalog = openForReading(paths);
         for (const auto& setting : settings) {
             out << setting.name << " " << (((*catalog).*setting.get)() ? "on" : "off") << "\n";
         }
@@ -394,7 +398,7 @@ int setCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
     const auto paths = LibraryPaths::fromEnvironment();
     const bool reads = verb == "list" || verb == "show";
     const auto catalog =
-        reads ? Catalog::openForReading(paths.catalogFile()) : openForWriting(paths, errors);
+        reads ? openForReading(paths) : openForWriting(paths, errors);
     Activation activation(*catalog, paths.activationFolder());
     LibraryChanges changes(*catalog);
     FaceSets sets(*catalog, activation, changes);

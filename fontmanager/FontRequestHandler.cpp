@@ -120,14 +120,15 @@ std::string answerFontRequest(FontRequestContext& context, const Request& reques
         }
     }
     const ReplyLimits& limits = context.limits;
-    SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
-    FontMatcher matcher(catalog, system);
-    auto reply = writeReply(matcher, request, protocolVersion, limits.maximumFacesListed,
-                            limits.maximumBytes);
-    if (!reply) {
-        reply = writeReply(matcher, request, protocolVersion, 0, limits.maximumBytes);
-    }
-    snapshot.commit();
+    std::optional<std::string> reply;
+    catalog.read([&] {
+        FontMatcher matcher(catalog, system);
+        reply = writeReply(matcher, request, protocolVersion, limits.maximumFacesListed,
+                           limits.maximumBytes);
+        if (!reply) {
+            reply = writeReply(matcher, request, protocolVersion, 0, limits.maximumBytes);
+        }
+    });
     if (!reply) {
         return ReplyWriter("errorReply", protocolVersion)
             .element("error", "the reply to " + std::to_string(request.fonts.size()) +

@@ -78,11 +78,8 @@ void checkFolder(Catalog& catalog, const std::filesystem::path& folder, bool rep
 
 void check(Catalog& catalog, const std::filesystem::path& folder, bool repair,
            LibraryCheckReport& report) {
-    SqliteStatement& integrity = catalog.database().prepare("PRAGMA quick_check");
-    while (integrity.step()) {
-        if (integrity.text(0) != "ok") {
-            report.problems.push_back("SQLite: " + integrity.text(0));
-        }
+    for (const auto& problem : catalog.integrityProblems()) {
+        report.problems.push_back(problem);
     }
     for (const auto& [id, type] : catalog.facesOfUnknownType()) {
         report.problems.push_back("face " + std::to_string(id) + " has the unknown type '" + type +
@@ -97,9 +94,8 @@ void check(Catalog& catalog, const std::filesystem::path& folder, bool repair,
 LibraryCheckReport checkLibrary(Catalog& catalog, const std::filesystem::path& activationFolder,
                                 bool repair) {
     LibraryCheckReport report;
-    if (catalog.database().isReadOnly()) {
-        SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
-        check(catalog, activationFolder, false, report);
+    if (catalog.isReadOnly()) {
+        catalog.read([&] { check(catalog, activationFolder, false, report); });
         return report;
     }
     catalog.write([&] {

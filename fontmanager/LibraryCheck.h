@@ -13,7 +13,7 @@ struct LibraryCheckReport {
     std::vector<std::string> repairs;  // what was done about it (with repair only)
 };
 
-// Compares the catalog with the activation folder: SQLite's own integrity check, every face
+// Compares the catalog with the activation folder: the database's own integrity check, every face
 // recorded active has its link pointing where it was made, and every link there that
 // vellumine made (named "<id>-…", pointing to that face's file) is recorded. A process
 // killed between making a link and recording it leaves such a link behind.

@@ -7,6 +7,7 @@
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryChanges.h"
 #include "fontmanager/LibraryCheck.h"
+#include "fontmanager/OpenCatalog.h"
 #include "fontmanager/RequestDispatcher.h"
 #include "fontmanager/TemporaryActivation.h"
 #include "foundation/Logger.h"
@@ -186,7 +187,8 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
     if (!events) {
         return exitStatus;
     }
-    Catalog catalog(paths.catalogFile());
+    const auto library = openCatalog(LibraryLocation::sqliteFile(paths.catalogFile()));
+    Catalog& catalog = *library;
     // A command killed half-way leaves a link nothing records, or a record without link.
     reconcile(catalog, paths);
     Activation activation(catalog, paths.activationFolder());

@@ -33,21 +33,21 @@ std::string answerShowRequest(Catalog& catalog, const Request& request,
                               const std::string& protocolVersion, Desktop* desktop) {
     record(catalog, "show", request);
     ReplyWriter reply("showReply", protocolVersion);
-    SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
-    FontMatcher matcher(catalog);
-    for (const auto& font : request.fonts) {
-        const FontMatch& match = matcher.match(font);
-        const FaceRecord* best = match.bestFace();
-        const std::string type = match.requestedType ? wireText(*match.requestedType)
-                                 : best              ? wireText(best->type)
-                                                     : "all";
-        reply.openFont()
-            .element("psName", font.psName)
-            .element("type", type)
-            .element("count", std::to_string(match.faces.size()))
-            .closeFont();
-    }
-    snapshot.commit();
+    catalog.read([&] {
+        FontMatcher matcher(catalog);
+        for (const auto& font : request.fonts) {
+            const FontMatch& match = matcher.match(font);
+            const FaceRecord* best = match.bestFace();
+            const std::string type = match.requestedType ? wireText(*match.requestedType)
+                                     : best              ? wireText(best->type)
+                                                         : "all";
+            reply.openFont()
+                .element("psName", font.psName)
+                .element("type", type)
+                .element("count", std::to_string(match.faces.size()))
+                .closeFont();
+        }
+    });
     reply.element("showWindow", std::string("0"));
     if (onDisplay(desktop, request)) {
         const RequestFont& first = request.fonts.front();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fontmanager/CatalogError.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -13,9 +15,9 @@ struct sqlite3_stmt;
 namespace Vellumine {
 
 // A catalog error; the message names the catalog file.
-class SqliteError : public std::runtime_error {
+class SqliteError : public CatalogError {
 public:
-    using std::runtime_error::runtime_error;
+    using CatalogError::CatalogError;
 };
 
 // Another process held the catalog's write lock for longer than the busy time-out. The

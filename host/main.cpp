@@ -1,4 +1,5 @@
 #include "host/app/FontsCommand.h"
+#include "host/app/ReplaceCommand.h"
 #include "host/batch/BatchCommand.h"
 #ifdef GALLEY_WITH_GUI
 #include "host/gui/GuiApplication.h"
@@ -17,12 +18,15 @@ namespace {
 void printUsage(std::ostream& out) {
     out << "usage: galley --batch FILE.idml [--timeout SECONDS] [ACTION...]\n"
            "       galley fonts FILE.idml [--json]\n"
+           "       galley replace FILE.idml FROM TO [--styles] [--output OUT.idml]\n"
            "       galley [FILE.idml]\n"
            "\n"
            "  --batch   open the document without a window; the plug-ins respond and their "
            "dialogs\n"
            "            are shown as text (galley --batch --help for the actions)\n"
            "  fonts     print the document's fonts, missing first (no plug-ins)\n"
+           "  replace   set the text in font FROM in the installed font TO and save\n"
+           "            (galley replace --help for more)\n"
            "\n"
            "Example: galley --batch brochure.idml\n";
 }
@@ -50,6 +54,8 @@ int main(int argc, char** argv) {
     }
     if (arguments[0] == "fonts")
         return Galley::runFontsCommand({arguments.begin() + 1, arguments.end()});
+    if (arguments[0] == "replace")
+        return Galley::runReplaceCommand({arguments.begin() + 1, arguments.end()});
     if (arguments[0] == "--batch") {
         if (arguments.size() > 1 && (arguments[1] == "--help" || arguments[1] == "-h")) {
             Galley::printBatchUsage(std::cout);

@@ -1,6 +1,7 @@
 #include "fontmanager/window/ImportJob.h"
 
 #include "fontmanager/FaceReader.h"
+#include "fontmanager/OpenCatalog.h"
 
 #include <algorithm>
 
@@ -44,9 +45,9 @@ ImportJob::fontFiles(const std::vector<std::filesystem::path>& paths) {
 void ImportJob::run() {
     try {
         const auto files = fontFiles(paths);
-        Catalog catalog(catalogFile);
+        const auto catalog = openCatalog(LibraryLocation::sqliteFile(catalogFile));
         FaceReader reader;
-        LibraryImporter importer(catalog, reader);
+        LibraryImporter importer(*catalog, reader);
         const int count = static_cast<int>(files.size());
         emit progress(0, count);
         for (std::size_t start = 0; start < files.size(); start += filesPerStep) {

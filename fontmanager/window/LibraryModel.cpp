@@ -72,8 +72,7 @@ QString FaceEntry::state() const {
 std::vector<FamilyEntry> loadFamilies(Catalog& catalog, const SystemFonts* system) {
     std::map<std::int64_t, QStringList> activeFor;
     std::vector<FaceEntry> faces;
-    {
-        SqliteTransaction snapshot(catalog.database(), SqliteTransaction::Mode::read);
+    catalog.read([&] {
         for (const auto& requester : catalog.autoRequesters()) {
             activeFor[requester.faceId].append(text(applicationDisplayName(requester.application)));
         }
@@ -82,8 +81,7 @@ std::vector<FamilyEntry> loadFamilies(Catalog& catalog, const SystemFonts* syste
             faces.push_back(
                 {std::move(face), found != activeFor.end() ? found->second : QStringList()});
         }
-        snapshot.commit();
-    }
+    });
     if (system != nullptr) {
         for (const auto& systemFace : system->all()) {
             faces.push_back({systemFace.record, {}});

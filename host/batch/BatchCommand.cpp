@@ -1,16 +1,13 @@
 #include "host/batch/BatchCommand.h"
 
+#include "host/app/PrintableText.h"
 #include "host/batch/BatchPlayer.h"
 #include "host/batch/TerminalPresenter.h"
+#include "host/document/FaceUse.h"
 #include "host/document/IdmlDocument.h"
-#include "host/fonts/FontconfigFontSystem.h"
 #include "host/idml/IdmlError.h"
-#include "host/runtime/PluginLoader.h"
-#include "host/runtime/Runtime.h"
-#include "host/runtime/SdEventLoop.h"
-#include "host/session/GalleySession.h"
-#include "platform/Status.h"
-#include "platform/linux/DefaultServices.h"
+#include "host/loop/SdEventLoop.h"
+#include "host/runtime/HostProcess.h"
 
 #include <unistd.h>
 
@@ -24,7 +21,6 @@ namespace Galley {
 namespace {
 
 constexpr int defaultTimeoutSeconds = 30;
-constexpr const char* hostBusName = "org.galley.Galley";
 
 struct BatchOptions {
     std::string document;
@@ -64,40 +60,16 @@ std::optional<BatchOptions> parseOptions(const std::vector<std::string>& argumen
     return options;
 }
 
-// The session bus under the host's name; without the name when another Galley owns it.
-std::unique_ptr<Platform::Linux::DefaultServices> installServices(TerminalPresenter& view) {
-    int status = Platform::Status::ok;
-    auto services = Platform::Linux::DefaultServices::install(hostBusName, status);
-    if (status == Platform::Status::permissionDenied) {
-        services.reset();
-        services = Platform::Linux::DefaultServices::install("", status);
-        view.status(std::string("another Galley owns ") + hostBusName +
-                    "; the font manager's news goes to that one");
-    } else if (status != Platform::Status::ok) {
-        view.status("no session bus: the font manager cannot be reached");
-    }
-    return services;
-}
-
 int countMissing(GalleySession& session, IdmlDocument& document, std::ostream& err) {
     session.fonts().UpdateFontList();
-    document.usage().Update();
-    const int missing = document.usage().GetMissingFontCount();
     const std::string name = std::filesystem::path(document.path()).filename().string();
-    if (missing == 0) {
-        err << "galley: " << name << ": every font is installed\n";
-        return 0;
-    }
-    err << "galley: " << name << ": " << missing << (missing == 1 ? " font is" : " fonts are")
-        << " missing:";
-    for (int32 n = 0; n < missing; ++n) {
-        IFontFamily* family =
-            document.InstantiateFontFamily(document.usage().GetMissingNthFontFamilyUID(n));
-        err << (n ? ", " : " ") << (family ? family->GetFamilyName().GetUTF8String() : "?") << " "
-            << document.usage().GetMissingNthFontFaceName(n).GetUTF8String();
-    }
-    err << '\n';
-    return missing;
+    bool onlyInStyles = false;
+    err << "galley: " << printableText(name) << ": "
+        << printableText(missingFontsLine(describeFaceUse(document), &onlyInStyles)) << '\n';
+    if (onlyInStyles)
+        err << "galley: a font named only by styles is replaced in them with: galley replace "
+            << printableText(document.path()) << " FROM TO --styles\n";
+    return document.usage().GetMissingFontCount();
 }
 
 } // namespace
@@ -143,30 +115,26 @@ int runBatchCommand(const std::vector<std::string>& arguments, const std::string
 
     TerminalPresenter view(std::cout, std::cerr, isatty(STDOUT_FILENO) == 1);
     view.setDocumentName(std::filesystem::path(options->document).filename().string());
-    auto services = installServices(view);
-    FontconfigFontSystem fontSystem;
-    GalleySession session(fontSystem);
+    HostProcess process(view);
     SdEventLoop events;
-
     Runtime::Options runtimeOptions;
     runtimeOptions.deadline =
         std::chrono::steady_clock::now() + std::chrono::seconds(options->timeoutSeconds);
-    runtimeOptions.bus = services ? services->bus() : nullptr;
-    Runtime runtime(events, session, view, runtimeOptions);
-    runtime.loadPlugins(PluginLoader::defaultSearchPath(executable));
+    auto started = process.startRuntime(events, view, runtimeOptions, executable);
+    Runtime& runtime = *started;
 
     BatchPlayer player(runtime, view, options->actions);
     IdmlDocument* document = nullptr;
     try {
-        document = &runtime.openDocument(options->document);
+        document = &runtime.documents().open(options->document);
     } catch (const std::exception& error) {
         std::cerr << "galley: " << error.what() << '\n';
         return 2;
     }
-    runtime.waitUntil([&] { return player.finished(); }, true);
+    runtime.dialogs().waitUntil([&] { return player.finished(); }, true);
 
-    int status = countMissing(session, *document, std::cerr) > 0 ? 1 : 0;
-    if (runtime.timedOut())
+    int status = countMissing(process.session(), *document, std::cerr) > 0 ? 1 : 0;
+    if (runtime.dialogs().timedOut())
         std::cerr << "galley: time-out after " << options->timeoutSeconds
                   << " s; the dialogs in front were cancelled\n";
     if (!player.error().empty()) {

@@ -61,7 +61,7 @@ BatchPlayer::~BatchPlayer() {
 }
 
 Dialog* BatchPlayer::front() const {
-    return runtime_.frontDialog();
+    return runtime_.dialogs().frontDialog();
 }
 
 bool BatchPlayer::finished() const {
@@ -88,7 +88,9 @@ void BatchPlayer::consider() {
     const bool ready = action.needsDialog()                     ? dialog != nullptr
                        : action.kind == BatchAction::Kind::menu ? true
                                                                 : dialog == nullptr;
-    if (!ready)
+    // Fonts that have arrived are taken in first, so that an action meets the dialog as it
+    // stands once they are, not a tree about to be rebuilt under its selection.
+    if (!ready || runtime_.documents().fontChangesPending())
         return;
     posted_ = true;
     runtime_.loop().post([this] {
@@ -231,14 +233,14 @@ void BatchPlayer::invoke(const std::string& action) {
     if (runtime_.invokeAction(action))
         return;
     std::vector<std::string> names;
-    for (const auto& item : runtime_.menu())
+    for (const auto& item : runtime_.plugins().menu())
         names.push_back(item.name + " (\"" + item.title + "\")");
     throw std::runtime_error("no menu action \"" + action +
                              "\"; the actions are: " + joined(names));
 }
 
 void BatchPlayer::saveAs(const std::string& path) {
-    IdmlDocument* document = runtime_.frontDocument();
+    IdmlDocument* document = runtime_.documents().front();
     if (!document)
         throw std::runtime_error("no document is open");
     saveDocumentAs(*document, path);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/dialogs/UiDescription.h"
-#include "host/session/Subject.h"
+#include "host/base/Subject.h"
 #include "sdk/IControlView.h"
 #include "sdk/IListBox.h"
 #include "sdk/ITreeView.h"

@@ -1,7 +1,7 @@
 #include "host/document/DocumentFontFamily.h"
 
 #include "host/document/FontResolver.h"
-#include "host/session/InstalledFont.h"
+#include "host/fonts/InstalledFont.h"
 
 namespace Galley {
 
@@ -22,7 +22,7 @@ PMString DocumentFontFamily::GetFaceName(int32 index) const {
 }
 
 PMString DocumentFontFamily::GetFacePostScriptName(const PMString& faceName) const {
-    return PMString(resolver_.postscriptName({name_, faceName.GetUTF8String()}));
+    return PMString(resolver_.identity({name_, faceName.GetUTF8String()}));
 }
 
 IPMFont::FontType DocumentFontFamily::GetFaceFontType(const PMString& faceName) const {

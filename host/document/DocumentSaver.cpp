@@ -65,13 +65,16 @@ IdmlPackage::Parts partsToWrite(IdmlDocument& document) {
         if (story->modified())
             changed.emplace(story->part(), story.get());
     }
-    const bool modified = !changed.empty();
+    const bool stylesChanged = document.styles().modified();
+    const bool modified = !changed.empty() || stylesChanged;
     for (const std::string& name : package.partNames()) {
         if (name == kMimeTypePart)
             continue;
         auto story = changed.find(name);
         if (story != changed.end())
             parts.push_back({name, story->second->serialize()});
+        else if (stylesChanged && name == document.designMap().stylesPart)
+            parts.push_back({name, document.styles().serialize()});
         else if (modified && name == document.designMap().fontsPart)
             parts.push_back(
                 {name, FontsCatalog::write(fontsNowUsed(document), &document.catalog())});

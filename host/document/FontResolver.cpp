@@ -1,7 +1,9 @@
 #include "host/document/FontResolver.h"
 
 #include "host/idml/FontsCatalog.h"
-#include "host/session/SessionFontMgr.h"
+#include "host/fonts/SessionFontMgr.h"
+
+#include <cctype>
 
 namespace Galley {
 
@@ -18,6 +20,34 @@ std::string FontResolver::postscriptName(const FontKey& key) const {
         return font->face().postscriptName;
     const CatalogFont* recorded = catalog_.find(key.family, key.style);
     return recorded ? recorded->postscriptName : std::string();
+}
+
+namespace {
+
+bool hasBlank(const std::string& text) {
+    return text.find_first_of(" \t\n\r\f\v") != std::string::npos;
+}
+
+std::string withoutBlanks(const std::string& text) {
+    std::string kept;
+    for (char c : text) {
+        if (!std::isspace(static_cast<unsigned char>(c)))
+            kept += c;
+    }
+    return kept;
+}
+
+} // namespace
+
+std::string FontResolver::identity(const FontKey& key) const {
+    std::string name = postscriptName(key);
+    if (!name.empty() && !hasBlank(name))
+        return name;
+    std::string family = withoutBlanks(key.family);
+    std::string style = withoutBlanks(key.style);
+    if (family.empty())
+        return style.empty() ? "-" : style;
+    return style.empty() ? family : family + "-" + style;
 }
 
 IPMFont::FontType FontResolver::type(const FontKey& key) const {

@@ -21,7 +21,16 @@ public:
 
     // Null when the face is missing.
     InstalledFont* installed(const FontKey& key) const;
+    // The PostScript name of the installed face, else the one Fonts.xml records; empty when
+    // neither is known.
     std::string postscriptName(const FontKey& key) const;
+    // What tells this face apart from the document's other faces wherever a PostScript name
+    // serves as a face's identity (the SDK's GetFacePostScriptName): its PostScript name, or,
+    // for a face the document names by family and style alone (as exports do for a font that
+    // was missing where they were made), the name PostScript tools would derive from them,
+    // "Family-Style" without blanks. Never empty and never with a blank, so that plug-ins
+    // that find and replace faces by PostScript name reach these faces too.
+    std::string identity(const FontKey& key) const;
     IPMFont::FontType type(const FontKey& key) const;
 
 private:

@@ -58,6 +58,15 @@ private:
 
 } // namespace
 
+std::optional<FontKey> namedFace(const TextStyle& style, const StyleSheet& styles) {
+    // A character style that sets only a face names no font of its own.
+    const bool names = style.kind == StyleKind::Paragraph ? !style.resolved.empty()
+                                                          : style.resolved.family.has_value();
+    if (!names)
+        return std::nullopt;
+    return complete(style.resolved, styles);
+}
+
 FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles) {
     FontReference font = run.characterLocal;
     font.inheritFrom(styleFont(styles, StyleKind::Character, run.characterStyle));
@@ -75,11 +84,10 @@ std::vector<FontKey> collectFontUsage(const std::vector<std::unique_ptr<Story>>&
     }
     for (StyleKind kind : {StyleKind::Paragraph, StyleKind::Character}) {
         for (const TextStyle& style : styles.styles()) {
-            // A character style that sets only a face names no font of its own.
-            bool names = kind == StyleKind::Paragraph ? !style.resolved.empty()
-                                                      : style.resolved.family.has_value();
-            if (style.kind == kind && names)
-                faces.add(complete(style.resolved, styles));
+            if (style.kind != kind)
+                continue;
+            if (auto face = namedFace(style, styles))
+                faces.add(std::move(*face));
         }
     }
     return faces.take();

@@ -3,6 +3,7 @@
 #include "host/idml/FontReference.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace Galley {
@@ -11,6 +12,7 @@ class FontsCatalog;
 class Story;
 class StyleSheet;
 struct StoryRun;
+struct TextStyle;
 
 // Documents use dozens of faces, rarely thousands; beyond this many, collectFontUsage
 // throws std::length_error.
@@ -25,6 +27,11 @@ inline constexpr const char* kDefaultFontStyle = "Regular";
 // style), then the root character style, then the application default. Family and face
 // are resolved independently of each other.
 FontKey resolveRunFont(const StoryRun& run, const StyleSheet& styles);
+
+// The face a style names, completed with the document's and the application's defaults;
+// none for a paragraph style that sets nothing along its chain, or a character style that
+// sets no family (such as "Italic" alone).
+std::optional<FontKey> namedFace(const TextStyle& style, const StyleSheet& styles);
 
 // Every distinct face the document uses, each once: first the faces of the text, in story
 // order and text order, then faces that only styles name, in the order of Styles.xml.

@@ -27,7 +27,7 @@ std::unique_ptr<IdmlDocument> IdmlDocument::open(IdmlPackage package, SessionFon
     if (XmlDocPtr fontsXml = d.parsePart(d.designMap_.fontsPart, false, budget))
         d.catalog_ = FontsCatalog::parse(fontsXml.get());
     if (XmlDocPtr stylesXml = d.parsePart(d.designMap_.stylesPart, false, budget))
-        d.styles_ = StyleSheet::parse(path, d.designMap_.stylesPart, stylesXml.get());
+        d.styles_ = StyleSheet::parse(path, d.designMap_.stylesPart, std::move(stylesXml));
     for (const std::string& part : d.designMap_.storyParts) {
         if (!d.package_.contains(part))
             throw IdmlError(path, part, "designmap.xml lists this story, but the package lacks it");
@@ -59,6 +59,8 @@ PMString IdmlDocument::GetName() const {
 }
 
 bool IdmlDocument::IsModified() const {
+    if (styles_.modified())
+        return true;
     for (const auto& story : stories_) {
         if (story->modified())
             return true;
@@ -82,6 +84,7 @@ UID IdmlDocument::GetNthTextModelUID(int32 index) const {
 
 void IdmlDocument::adoptSavedPackage(IdmlPackage package) {
     package_ = std::move(package);
+    styles_.markSaved();
     for (const auto& story : stories_)
         story->markSaved();
 }

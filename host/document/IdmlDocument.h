@@ -56,6 +56,7 @@ public:
     const IdmlPackage& package() const { return package_; }
     const DesignMap& designMap() const { return designMap_; }
     const StyleSheet& styles() const { return styles_; }
+    StyleSheet& styles() { return styles_; }
     const FontsCatalog& catalog() const { return catalog_; }
     const FontResolver& resolver() const { return resolver_; }
     FontFamilyTable& families() { return families_; }

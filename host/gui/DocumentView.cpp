@@ -1,7 +1,7 @@
 #include "host/gui/DocumentView.h"
 
 #include "host/document/IdmlDocument.h"
-#include "host/session/InstalledFont.h"
+#include "host/fonts/InstalledFont.h"
 #include "sdk/IComposeScanner.h"
 #include "sdk/IFontFamily.h"
 #include "sdk/ITextModel.h"

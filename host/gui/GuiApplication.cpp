@@ -1,14 +1,9 @@
 #include "host/gui/GuiApplication.h"
 
-#include "host/fonts/FontconfigFontSystem.h"
 #include "host/gui/MainWindow.h"
 #include "host/gui/QtEventLoop.h"
 #include "host/gui/QtPresenter.h"
-#include "host/runtime/PluginLoader.h"
-#include "host/runtime/Runtime.h"
-#include "host/session/GalleySession.h"
-#include "platform/Status.h"
-#include "platform/linux/DefaultServices.h"
+#include "host/runtime/HostProcess.h"
 
 #include <QApplication>
 
@@ -26,26 +21,16 @@ bool guiAvailable() {
 int runGui(int argc, char** argv, const std::string& document, const std::string& executable) {
     QApplication application(argc, argv);
     QApplication::setApplicationName("Galley");
-    int status = Platform::Status::ok;
-    auto services = Platform::Linux::DefaultServices::install("org.galley.Galley", status);
-    if (status == Platform::Status::permissionDenied) {
-        services.reset();
-        services = Platform::Linux::DefaultServices::install("", status);
-    }
-    FontconfigFontSystem fontSystem;
-    GalleySession session(fontSystem);
-    QtEventLoop events;
     QtPresenter presenter;
-    Runtime::Options options;
-    options.bus = services ? services->bus() : nullptr;
-    Runtime runtime(events, session, presenter, options);
-    runtime.loadPlugins(PluginLoader::defaultSearchPath(executable));
+    HostProcess process(presenter);
+    QtEventLoop events;
+    auto started = process.startRuntime(events, presenter, {}, executable);
+    Runtime& runtime = *started;
 
     MainWindow window(runtime);
     presenter.attach(runtime.loop(), &window);
-    presenter.onStatus = [&](const std::string& text) {
-        window.showStatus(QString::fromStdString(text));
-    };
+    presenter.setOnStatus(
+        [&](const std::string& text) { window.showStatus(QString::fromStdString(text)); });
     presenter.onDocumentChanged = [&](IdmlDocument&) { window.refreshDocument(); };
     presenter.onDialogClosed = [&] { runtime.loop().post([&] { window.refreshDocument(); }); };
     window.show();

@@ -49,7 +49,7 @@ void MainWindow::buildMenus() {
     file->addAction("&Quit", QKeySequence::Quit, this, [this] { close(); });
 
     std::map<std::string, QMenu*> pluginMenus;
-    for (const auto& item : runtime_.menu()) {
+    for (const auto& item : runtime_.plugins().menu()) {
         QMenu*& menu = pluginMenus[item.plugin];
         if (!menu)
             menu = menuBar()->addMenu(QString::fromStdString(item.plugin));
@@ -70,7 +70,7 @@ void MainWindow::openLater(const QString& path) {
 void MainWindow::openDocument(const QString& path) {
     try {
         showStatus("Opening " + QFileInfo(path).fileName() + "…");
-        IdmlDocument& document = runtime_.openDocument(path.toStdString());
+        IdmlDocument& document = runtime_.documents().open(path.toStdString());
         setWindowTitle(QFileInfo(path).fileName() + " — Galley");
         (void)document;
         refreshDocument();
@@ -81,7 +81,7 @@ void MainWindow::openDocument(const QString& path) {
 }
 
 void MainWindow::saveAs() {
-    IdmlDocument* document = runtime_.frontDocument();
+    IdmlDocument* document = runtime_.documents().front();
     if (!document)
         return;
     const QString path =
@@ -97,7 +97,7 @@ void MainWindow::saveAs() {
 }
 
 void MainWindow::refreshDocument() {
-    IdmlDocument* document = runtime_.frontDocument();
+    IdmlDocument* document = runtime_.documents().front();
     if (!document) {
         missing_->setText("No document");
         return;

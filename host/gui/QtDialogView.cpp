@@ -3,7 +3,7 @@
 #include "host/dialogs/Dialog.h"
 #include "host/dialogs/DialogText.h"
 #include "host/gui/TreeRowsModel.h"
-#include "host/runtime/MainLoop.h"
+#include "host/loop/MainLoop.h"
 #include "sdk/HostIdentifiers.h"
 #include "sdk/IWidgetView.h"
 

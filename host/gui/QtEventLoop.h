@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/runtime/EventLoop.h"
-#include "host/runtime/ReadySources.h"
+#include "host/loop/EventLoop.h"
+#include "host/loop/ReadySources.h"
 
 #include <QObject>
 

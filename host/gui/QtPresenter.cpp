@@ -2,11 +2,13 @@
 
 #include "host/dialogs/Dialog.h"
 #include "host/gui/QtDialogView.h"
-#include "host/runtime/MainLoop.h"
+#include "host/loop/MainLoop.h"
 
 #include <QDialog>
 #include <QMessageBox>
 #include <QPushButton>
+
+#include <utility>
 
 namespace Galley {
 
@@ -64,9 +66,17 @@ int16 QtPresenter::alert(IAlertPresenter::Kind kind, const std::string& message,
     return defaultButton;
 }
 
+void QtPresenter::setOnStatus(std::function<void(const std::string&)> show) {
+    onStatus_ = std::move(show);
+    for (const std::string& message : std::exchange(pendingStatus_, {}))
+        onStatus_(message);
+}
+
 void QtPresenter::status(const std::string& message) {
-    if (onStatus)
-        onStatus(message);
+    if (onStatus_)
+        onStatus_(message);
+    else
+        pendingStatus_.push_back(message);
 }
 
 void QtPresenter::documentChanged(IdmlDocument& document) {

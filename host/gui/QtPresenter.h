@@ -5,6 +5,8 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 class QWidget;
 
@@ -26,7 +28,8 @@ public:
         parent_ = parent;
     }
 
-    std::function<void(const std::string&)> onStatus;
+    // Lines of status said before there is anywhere to show them wait for this.
+    void setOnStatus(std::function<void(const std::string&)> show);
     std::function<void(IdmlDocument&)> onDocumentChanged;
     std::function<void(Dialog&)> onDialogOpened;
     std::function<void()> onDialogClosed;
@@ -45,6 +48,8 @@ private:
     MainLoop* loop_ = nullptr;
     QWidget* parent_ = nullptr;
     std::map<const Dialog*, std::unique_ptr<QtDialogView>> views_;
+    std::function<void(const std::string&)> onStatus_;
+    std::vector<std::string> pendingStatus_;
 };
 
 } // namespace Galley

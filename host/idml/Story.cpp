@@ -35,56 +35,48 @@ bool isSpecialCharacter(const xmlNode* node) {
            std::strcmp(reinterpret_cast<const char*>(node->name), "ACE") == 0;
 }
 
-int characterCount(const xmlNode* child) {
-    if (isElement(child, "Content"))
-        return codePoints(textContent(child));
-    if (isElement(child, "Br") || isSpecialCharacter(child))
+// A range nested in another (in a table cell, a footnote or a note) holds text of its own,
+// which forms runs of its own.
+bool isRange(const xmlNode* node) {
+    return isElement(node, "ParagraphStyleRange") || isElement(node, "CharacterStyleRange");
+}
+
+// An element between a range and its text: an XML tag, a hyperlink source, a tracked change
+// and the like. Exporting applications wrap tagged text this way, so a range's characters
+// are found at any depth below it, except inside nested ranges and the range's Properties.
+bool isTextWrapper(const xmlNode* node) {
+    return node->type == XML_ELEMENT_NODE && !isRange(node) && !isElement(node, "Properties") &&
+           !isElement(node, "Content") && !isElement(node, "Br");
+}
+
+int characterCount(const xmlNode* node) {
+    if (isElement(node, "Content"))
+        return codePoints(textContent(node));
+    if (isElement(node, "Br") || isSpecialCharacter(node))
         return 1;
-    return 0;
+    int count = 0;
+    if (isTextWrapper(node)) {
+        for (const xmlNode* child = node->children; child; child = child->next)
+            count += characterCount(child);
+    }
+    return count;
 }
 
 // The characters `characterCount` counts, as text: a line break for Br, and a space for a
 // special character (a page number, a tab and the like, which only layout would fill in).
-std::string characters(const xmlNode* child) {
-    if (isElement(child, "Content"))
-        return textContent(child);
-    if (isElement(child, "Br"))
+std::string characters(const xmlNode* node) {
+    if (isElement(node, "Content"))
+        return textContent(node);
+    if (isElement(node, "Br"))
         return "\n";
-    return isSpecialCharacter(child) ? " " : "";
-}
-
-void setText(xmlNode* element, const std::string& text) {
-    xmlNodeSetContent(element, nullptr);
-    xmlAddChild(element, xmlNewDocText(element->doc, xml(text.c_str())));
-}
-
-// Writes a property where the range already keeps it; a new AppliedFont goes into
-// Properties and a new FontStyle into an attribute, as IDML writers do.
-void setProperty(xmlNode* range, const char* name, const std::string& value) {
-    if (xmlHasProp(range, xml(name))) {
-        xmlSetProp(range, xml(name), xml(value.c_str()));
-        return;
+    if (isSpecialCharacter(node))
+        return " ";
+    std::string text;
+    if (isTextWrapper(node)) {
+        for (const xmlNode* child = node->children; child; child = child->next)
+            text += characters(child);
     }
-    auto* properties = const_cast<xmlNode*>(firstChildElement(range, "Properties"));
-    if (auto* existing = const_cast<xmlNode*>(firstChildElement(properties, name))) {
-        setText(existing, value);
-        return;
-    }
-    if (std::strcmp(name, "FontStyle") == 0) {
-        xmlSetProp(range, xml(name), xml(value.c_str()));
-        return;
-    }
-    if (!properties) {
-        properties = xmlNewDocNode(range->doc, nullptr, xml("Properties"), nullptr);
-        if (range->children)
-            xmlAddPrevSibling(range->children, properties);
-        else
-            xmlAddChild(range, properties);
-    }
-    xmlNode* element = xmlNewDocNode(range->doc, nullptr, xml(name), nullptr);
-    xmlSetProp(element, xml("type"), xml("string"));
-    setText(element, value);
-    xmlAddChild(properties, element);
+    return text;
 }
 
 } // namespace
@@ -158,44 +150,69 @@ void Story::collectRuns(xmlNode* node, const Paragraph& paragraph) {
     }
 }
 
+const StoryRun* Story::runAround(int position) const {
+    for (const StoryRun& run : runs_) {
+        if (position > run.start && position < run.start + run.length)
+            return &run;
+    }
+    return nullptr;
+}
+
+// A cut inside an element that wraps part of a range's text (an XML tag, a hyperlink source)
+// would have to duplicate that element and its Self, which other parts may refer to; such a
+// range is left whole.
+bool Story::canSplitAt(int position) const {
+    const StoryRun* run = runAround(position);
+    if (!run)
+        return true;
+    const int cut = position - run->start;
+    int offset = 0;
+    for (const xmlNode* item = run->range->children; item; item = item->next) {
+        const int count = characterCount(item);
+        if (offset < cut && cut < offset + count && isTextWrapper(item))
+            return false;
+        offset += count;
+    }
+    return true;
+}
+
 // Splits the range that holds `position` so that a range starts there.
 void Story::splitAt(int position) {
-    for (const StoryRun& run : runs_) {
-        if (position <= run.start || position >= run.start + run.length)
-            continue;
-        xmlNode* first = run.range;
-        xmlNode* second = xmlDocCopyNode(first, doc_.get(), 2);
-        if (const xmlNode* properties = firstChildElement(first, "Properties"))
-            xmlAddChild(second, xmlDocCopyNode(const_cast<xmlNode*>(properties), doc_.get(), 1));
-        const int cut = position - run.start;
-        int offset = 0;
-        for (xmlNode* item = first->children; item;) {
-            xmlNode* next = item->next;
-            const int count = characterCount(item);
-            if (isElement(item, "Properties")) {
-                // stays with the first half; the second has its copy
-            } else if (offset >= cut) {
-                xmlUnlinkNode(item);
-                xmlAddChild(second, item);
-            } else if (offset + count > cut) {
-                std::string text = textContent(item);
-                std::size_t at = byteOffset(text, cut - offset);
-                setText(item, text.substr(0, at));
-                xmlNode* rest = xmlNewDocNode(doc_.get(), item->ns, xml("Content"), nullptr);
-                setText(rest, text.substr(at));
-                xmlAddChild(second, rest);
-            }
-            offset += count;
-            item = next;
-        }
-        xmlAddNextSibling(first, second);
-        rebuildRuns();
+    const StoryRun* run = runAround(position);
+    if (!run)
         return;
+    xmlNode* first = run->range;
+    xmlNode* second = xmlDocCopyNode(first, doc_.get(), 2);
+    if (const xmlNode* properties = firstChildElement(first, "Properties"))
+        xmlAddChild(second, xmlDocCopyNode(const_cast<xmlNode*>(properties), doc_.get(), 1));
+    const int cut = position - run->start;
+    int offset = 0;
+    for (xmlNode* item = first->children; item;) {
+        xmlNode* next = item->next;
+        const int count = characterCount(item);
+        if (isElement(item, "Properties")) {
+            // stays with the first half; the second has its copy
+        } else if (offset >= cut) {
+            xmlUnlinkNode(item);
+            xmlAddChild(second, item);
+        } else if (offset + count > cut) {
+            std::string text = textContent(item);
+            std::size_t at = byteOffset(text, cut - offset);
+            setTextContent(item, text.substr(0, at));
+            xmlNode* rest = xmlNewDocNode(doc_.get(), item->ns, xml("Content"), nullptr);
+            setTextContent(rest, text.substr(at));
+            xmlAddChild(second, rest);
+        }
+        offset += count;
+        item = next;
     }
+    xmlAddNextSibling(first, second);
+    rebuildRuns();
 }
 
 bool Story::applyLocalFont(int start, int length, const FontReference& font) {
-    if (start < 0 || length <= 0 || start + length > length_)
+    if (start < 0 || length <= 0 || start + length > length_ || !canSplitAt(start) ||
+        !canSplitAt(start + length))
         return false;
     splitAt(start);
     splitAt(start + length);
@@ -211,6 +228,18 @@ bool Story::applyLocalFont(int start, int length, const FontReference& font) {
     modified_ = true;
     ++revision_;
     return true;
+}
+
+void Story::applyLocalFonts(const std::vector<std::pair<std::size_t, FontKey>>& fonts) {
+    if (fonts.empty())
+        return;
+    for (const auto& [index, font] : fonts) {
+        setProperty(runs_.at(index).range, "AppliedFont", font.family);
+        setProperty(runs_.at(index).range, "FontStyle", font.style);
+    }
+    rebuildRuns();
+    modified_ = true;
+    ++revision_;
 }
 
 std::string Story::text(const StoryRun& run) {

@@ -30,7 +30,8 @@ struct StoryRun {
 // One Stories/*.xml part. Characters are counted as code points of <Content>, plus one for
 // each <Br/> and each special-character instruction; empty ranges form no run. Ranges are
 // found at any depth: inside XML elements, table cells, notes and footnotes, each nested
-// ParagraphStyleRange starting its own paragraph.
+// ParagraphStyleRange starting its own paragraph. A range's text is found at any depth below
+// it too (tagged text in an XMLElement, a hyperlink's source), except in nested ranges.
 class Story {
 public:
     // Throws IdmlError naming `file` and `part` for malformed XML or a style the sheet lacks.
@@ -51,8 +52,11 @@ public:
     std::string serialize() const { return serializeXmlPart(doc_.get()); }
 
     // Sets a local family and/or face on [start, start + length), splitting ranges at the
-    // ends. Returns false when the range lies outside the text.
+    // ends. Returns false, changing nothing, when the range lies outside the text or an end
+    // falls inside an element wrapping part of a range's text.
     bool applyLocalFont(int start, int length, const FontReference& font);
+    // Sets a local family and face on whole runs (by their index in runs()), at once.
+    void applyLocalFonts(const std::vector<std::pair<std::size_t, FontKey>>& fonts);
 
 private:
     void rebuildRuns();
@@ -61,6 +65,8 @@ private:
     FontReference readLocalFont(const xmlNode* range) const;
     void collectRuns(xmlNode* node, const Paragraph& paragraph);
     void checkStyle(StyleKind kind, const std::string& reference) const;
+    const StoryRun* runAround(int position) const;
+    bool canSplitAt(int position) const;
     void splitAt(int position);
 
     std::string file_;

@@ -23,8 +23,8 @@ bool isRootName(StyleKind kind, std::string_view name) {
            (kind == StyleKind::Paragraph ? "[No paragraph style]" : "[No character style]");
 }
 
-void collect(const xmlNode* node, std::vector<TextStyle>& out) {
-    for (const xmlNode* child = node->children; child; child = child->next) {
+void collect(xmlNode* node, std::vector<TextStyle>& out, std::vector<xmlNode*>& elements) {
+    for (xmlNode* child = node->children; child; child = child->next) {
         if (child->type != XML_ELEMENT_NODE)
             continue;
         bool paragraph = isElement(child, "ParagraphStyle");
@@ -41,8 +41,9 @@ void collect(const xmlNode* node, std::vector<TextStyle>& out) {
                 self.remove_prefix(std::string_view(kindPrefix(style.kind)).size());
             style.root = isRootName(style.kind, style.name) || isRootName(style.kind, self);
             out.push_back(std::move(style));
+            elements.push_back(child);
         } else if (!isElement(child, "Properties")) {
-            collect(child, out); // style groups
+            collect(child, out, elements); // style groups
         }
     }
 }
@@ -54,9 +55,12 @@ bool StyleSheet::isBuiltInEmptyStyle(const std::string& self) {
     return self.empty() || self.find("[No ") != std::string::npos;
 }
 
-StyleSheet StyleSheet::parse(const std::string& file, const std::string& part, xmlDoc* doc) {
+StyleSheet StyleSheet::parse(const std::string& file, const std::string& part, XmlDocPtr doc) {
     StyleSheet sheet;
-    collect(xmlDocGetRootElement(doc), sheet.styles_);
+    sheet.file_ = file;
+    sheet.part_ = part;
+    sheet.doc_ = std::move(doc);
+    collect(xmlDocGetRootElement(sheet.doc_.get()), sheet.styles_, sheet.elements_);
     // Each style holds what it inherits, so their number bounds what the names cost.
     if (sheet.styles_.size() > kMaxStyles)
         throw IdmlError(file, part, "more than " + std::to_string(kMaxStyles) + " styles");
@@ -102,8 +106,30 @@ const TextStyle* StyleSheet::find(StyleKind kind, const std::string& reference) 
     return found ? &styles_[*found] : nullptr;
 }
 
+void StyleSheet::setOwnFonts(const std::vector<std::pair<std::size_t, FontKey>>& fonts) {
+    if (fonts.empty())
+        return;
+    for (const auto& [index, font] : fonts) {
+        setProperty(elements_.at(index), "AppliedFont", font.family);
+        setProperty(elements_.at(index), "FontStyle", font.style);
+        styles_[index].own = {font.family, font.style};
+    }
+    defaults_ = {};
+    resolveAll(file_, part_);
+    modified_ = true;
+}
+
+std::string StyleSheet::serialize() const {
+    return doc_ ? serializeXmlPart(doc_.get()) : std::string();
+}
+
+std::optional<std::size_t> StyleSheet::parentOf(std::size_t index) const {
+    return index < parents_.size() ? parents_[index] : std::nullopt;
+}
+
 void StyleSheet::resolveAll(const std::string& file, const std::string& part) {
     std::vector<int> state(styles_.size(), kUnvisited);
+    parents_.assign(styles_.size(), std::nullopt);
     // The roots first: the other paragraph styles end their chains in the root's values.
     for (auto root : {paragraphRoot_, characterRoot_}) {
         if (root)
@@ -147,10 +173,11 @@ void StyleSheet::resolve(std::size_t start, std::vector<int>& state, const std::
         // character style based on it inherits nothing from it.
         if (parents[i] == characterRoot_ && style.kind == StyleKind::Character)
             parents[i].reset();
+        if (!parents[i] && style.kind == StyleKind::Paragraph && !style.root)
+            parents[i] = paragraphRoot_;
         if (parents[i])
             style.resolved.inheritFrom(styles_[*parents[i]].resolved);
-        else if (style.kind == StyleKind::Paragraph && !style.root && paragraphRoot_)
-            style.resolved.inheritFrom(styles_[*paragraphRoot_].resolved);
+        parents_[chain[i]] = parents[i];
         state[chain[i]] = kDone;
     }
 }

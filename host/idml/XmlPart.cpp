@@ -262,4 +262,44 @@ std::optional<std::string> property(const xmlNode* node, const char* name) {
     return std::nullopt;
 }
 
+namespace {
+
+const xmlChar* xmlText(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
+
+} // namespace
+
+void setTextContent(xmlNode* element, const std::string& text) {
+    xmlNodeSetContent(element, nullptr);
+    xmlAddChild(element, xmlNewDocText(element->doc, xmlText(text.c_str())));
+}
+
+void setProperty(xmlNode* element, const char* name, const std::string& value) {
+    if (xmlHasProp(element, xmlText(name))) {
+        xmlSetProp(element, xmlText(name), xmlText(value.c_str()));
+        return;
+    }
+    auto* properties = const_cast<xmlNode*>(firstChildElement(element, "Properties"));
+    if (auto* existing = const_cast<xmlNode*>(firstChildElement(properties, name))) {
+        setTextContent(existing, value);
+        return;
+    }
+    if (std::strcmp(name, "FontStyle") == 0) {
+        xmlSetProp(element, xmlText(name), xmlText(value.c_str()));
+        return;
+    }
+    if (!properties) {
+        properties = xmlNewDocNode(element->doc, nullptr, xmlText("Properties"), nullptr);
+        if (element->children)
+            xmlAddPrevSibling(element->children, properties);
+        else
+            xmlAddChild(element, properties);
+    }
+    xmlNode* child = xmlNewDocNode(element->doc, nullptr, xmlText(name), nullptr);
+    xmlSetProp(child, xmlText("type"), xmlText("string"));
+    setTextContent(child, value);
+    xmlAddChild(properties, child);
+}
+
 } // namespace Galley

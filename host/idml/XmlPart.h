@@ -49,4 +49,11 @@ const xmlNode* firstChildElement(const xmlNode* node, const char* name);
 // Properties element; the attribute wins when both are present.
 std::optional<std::string> property(const xmlNode* node, const char* name);
 
+// Replaces an element's children with one text node.
+void setTextContent(xmlNode* element, const std::string& text);
+// Writes a property where the element already keeps it (attribute or Properties child); a
+// new AppliedFont goes into Properties and a new FontStyle into an attribute, as IDML
+// writers do.
+void setProperty(xmlNode* element, const char* name, const std::string& value);
+
 } // namespace Galley

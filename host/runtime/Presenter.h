@@ -1,23 +1,18 @@
 #pragma once
 
+#include "host/dialogs/DialogPresenter.h"
 #include "sdk/CAlert.h"
 
 #include <string>
 
 namespace Galley {
 
-class Dialog;
 class IdmlDocument;
-class Widget;
 
-// Whoever shows Galley's dialogs and alerts to the user: the terminal in batch mode, the
-// windows of the GUI, a recorder in tests.
-class Presenter {
+// Whoever shows Galley to the user: the terminal in batch mode, the windows of the GUI, a
+// recorder in tests. Besides the dialogs, the alerts, lines of status and the document.
+class Presenter : public DialogPresenter {
 public:
-    virtual ~Presenter() = default;
-    virtual void dialogOpened(Dialog&) {}
-    virtual void dialogChanged(Dialog&, Widget&) {}
-    virtual void dialogClosed(Dialog&) {}
     // Shows an alert (texts already translated) and answers with the number of the button
     // that closed it.
     virtual int16 alert(IAlertPresenter::Kind kind, const std::string& message,

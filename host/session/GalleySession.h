@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/session/SessionFontMgr.h"
+#include "host/fonts/SessionFontMgr.h"
 #include "host/session/TextAttrUtils.h"
 #include "sdk/ISession.h"
 

@@ -4,6 +4,7 @@
 #include "fontmanager/Cli.h"
 #include "fontmanager/LibraryPaths.h"
 #include "fontmanager/RequestDispatcher.h"
+#include "fontmanager/SqliteCatalog.h"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +37,7 @@ protected:
 
     void answerFontRequest(const std::string& psName) {
         const auto paths = LibraryPaths::fromEnvironment();
-        Catalog catalog(paths.catalogFile());
+        SqliteCatalog catalog(paths.catalogFile());
         Activation activation(catalog, paths.activationFolder());
         LibraryChanges changes(catalog, [](const std::string&) { return 0; });
         RequestDispatcher(catalog, activation, changes)

@@ -1,7 +1,7 @@
 #include "FontFixtures.h"
 
 #include "fontmanager/Activation.h"
-#include "fontmanager/Catalog.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
@@ -66,7 +66,7 @@ protected:
     }
 
     ScratchFolder scratch;
-    Catalog catalog{scratch.path() / "vellumine" / "library.db"};
+    SqliteCatalog catalog{scratch.path() / "vellumine" / "library.db"};
     FaceReader reader;
     LibraryImporter importer{catalog, reader};
     Activation activation{catalog, activationFolder()};
@@ -99,7 +99,7 @@ TEST_F(LibraryTest, ReAddingKeepsIdentifiersAcrossReopening) {
     const ImportReport again = importer.add({dejaVuSans, dejaVuSans, urwOpenTypeFolder});
     EXPECT_EQ(again.facesKnown, 3); // DejaVuSans twice, NimbusRoman-Regular once in the folder
     EXPECT_FALSE(again.missingPaths);
-    Catalog reopened(scratch.path() / "vellumine" / "library.db");
+    SqliteCatalog reopened(scratch.path() / "vellumine" / "library.db");
     EXPECT_EQ(reopened.facesByPostScriptName("DejaVuSans").at(0).id, first[0].id);
     EXPECT_EQ(reopened.facesByPostScriptName("NimbusRoman-Regular").size(), 1u);
 }
@@ -232,12 +232,12 @@ void expectErrorNaming(const std::filesystem::path& file, const std::function<vo
 TEST_F(LibraryTest, ACatalogThatCannotBeWrittenCanStillBeReadAndErrorsNameIt) {
     importer.add({dejaVuSans});
     const auto file = scratch.path() / "vellumine" / "library.db";
-    Catalog readOnly(file, Catalog::Access::readOnly);
+    SqliteCatalog readOnly(file, SqliteCatalog::Access::readOnly);
     EXPECT_EQ(readOnly.allFaces().size(), 1u);
     EXPECT_TRUE(readOnly.autoActivation());
     expectErrorNaming(file, [&] { readOnly.setAutoActivation(false); });
     const auto garbage = scratch.write("garbage.db", std::string(4096, 'g'));
-    expectErrorNaming(garbage, [&] { Catalog broken(garbage); });
+    expectErrorNaming(garbage, [&] { SqliteCatalog broken(garbage); });
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/RequestDispatcher.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "link/NotifiyHandlerFactory.h"
 #include "link/VLMFontActivateEvent.h"
 #include "link/VLMFontBuyEvent.h"
@@ -36,7 +37,7 @@ protected:
     VLMTest::FakePlatform platform;
     PrivateFontconfig noSystemFonts;
     ScratchFolder scratch;
-    Catalog catalog{scratch.path() / "library.db"};
+    SqliteCatalog catalog{scratch.path() / "library.db"};
     Activation activation{catalog, scratch.path() / "fonts" / "vellumine"};
     LibraryChanges changes{catalog, [](const std::string&) { return 0; }};
     RequestDispatcher dispatcher{catalog, activation, changes};

@@ -4,6 +4,7 @@
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/RequestDispatcher.h"
+#include "fontmanager/SqliteCatalog.h"
 
 #include <gtest/gtest.h>
 
@@ -74,7 +75,7 @@ protected:
 
     PrivateFontconfig noSystemFonts; // the machine's fonts stay out of every reply
     ScratchFolder scratch;
-    Catalog catalog{scratch.path() / "library.db"};
+    SqliteCatalog catalog{scratch.path() / "library.db"};
     Activation activation{catalog, scratch.path() / "fonts" / "vellumine"};
     int posts = 0;
     LibraryChanges changes{catalog, [this](const std::string&) {

@@ -4,7 +4,7 @@
 #include "FontFixtures.h"
 
 #include "fontmanager/Activation.h"
-#include "fontmanager/Catalog.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/LibraryPaths.h"
 
 #include <gtest/gtest.h>
@@ -125,7 +125,7 @@ protected:
     // Every face recorded active has its link; every link in the folder is recorded.
     void expectCatalogAndFolderAgree() {
         const auto paths = LibraryPaths::fromEnvironment();
-        Catalog catalog(paths.catalogFile());
+        SqliteCatalog catalog(paths.catalogFile());
         std::set<std::filesystem::path> recorded;
         for (const auto& link : catalog.allLinks()) {
             EXPECT_TRUE(Activation::isIntact(link)) << "face " << link.faceId << ": " << link.link;

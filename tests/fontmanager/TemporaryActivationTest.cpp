@@ -5,6 +5,7 @@
 #include "fontmanager/AutoActivation.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/TemporaryActivation.h"
 
 #include <gtest/gtest.h>
@@ -53,7 +54,7 @@ protected:
 
     PrivateFontconfig noSystemFonts;
     ScratchFolder scratch;
-    Catalog catalog{scratch.path() / "library.db"};
+    SqliteCatalog catalog{scratch.path() / "library.db"};
     Activation activation{catalog, scratch.path() / "fonts"};
     int announced = 0;
     LibraryChanges changes{catalog, [this](const std::string&) { return ++announced, 0; }};

@@ -5,7 +5,7 @@
 #include "PrivateSession.h"
 #include "tests/support/FontRecords.h"
 
-#include "fontmanager/Catalog.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryImporter.h"
@@ -49,7 +49,7 @@ protected:
         setenv("VELLUMINE_AUTO_DEACTIVATE_DELAY", "0.3", 1);
         installLauncher(session.dataHome(), VELLUMINE_EXECUTABLE);
         {
-            Catalog catalog(LibraryPaths::fromEnvironment().catalogFile());
+            SqliteCatalog catalog(LibraryPaths::fromEnvironment().catalogFile());
             FaceReader reader;
             LibraryImporter(catalog, reader)
                 .add({nimbusRomanType1, nimbusRomanOpenType, dejaVuSans});

@@ -6,7 +6,7 @@
 //
 // Run with `scripts/fuzz SECONDS request`; seeds come from request_fuzz_seeds.
 #include "fontmanager/Activation.h"
-#include "fontmanager/Catalog.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/RequestDispatcher.h"
@@ -33,7 +33,7 @@ DispatcherOptions fuzzOptions() {
 
 struct Library {
     std::filesystem::path folder;
-    std::unique_ptr<Catalog> catalog;
+    std::unique_ptr<SqliteCatalog> catalog;
     std::unique_ptr<Activation> activation;
     std::unique_ptr<LibraryChanges> changes;
     std::unique_ptr<RequestDispatcher> dispatcher;
@@ -44,7 +44,7 @@ struct Library {
             std::abort();
         }
         folder = pattern;
-        catalog = std::make_unique<Catalog>(folder / "library.db");
+        catalog = std::make_unique<SqliteCatalog>(folder / "library.db");
         FaceReader reader;
         LibraryImporter(*catalog, reader)
             .add({"/usr/share/fonts/type1/urw-base35/NimbusRoman-Regular.t1",

@@ -39,7 +39,9 @@ public:
         hook_ = loop_.addPrepareHook([this] { next(); });
     }
     ~User() { loop_.removePrepareHook(hook_); }
-    void then(std::function<bool()> when, std::function<void()> act) { steps_.push_back({std::move(when), std::move(act)}); }
+    void then(std::function<bool()> when, std::function<void()> act) {
+        steps_.push_back({std::move(when), std::move(act)});
+    }
     bool done() const { return ran_ == steps_.size(); }
     std::size_t played() const { return played_; }
 
@@ -73,11 +75,12 @@ protected:
         for (const char* ps : {"C059-Roman", "C059-Italic", "URWGothic-Book", "DejaVuSans"})
             vellumine.holdings[ps] = {1, true, {}};
         platform.runningApplications.add("VLMQ", "org.vellumine.Vellumine", 42);
-        platform.appEvents.setResponder([this](const Platform::AppEvent& event) { return vellumine.answer(event.text); });
+        platform.appEvents.setResponder(
+            [this](const Platform::AppEvent& event) { return vellumine.answer(event.text); });
         Galley::Runtime::Options options;
         options.deadline = std::chrono::steady_clock::now() + 10s; // no test waits for ever
         runtime = std::make_unique<Galley::Runtime>(events, session, presenter, options);
-        runtime->loadPlugins({VELLUMINE_LINK_PLUGIN});
+        runtime->plugins().load({VELLUMINE_LINK_PLUGIN});
         window = std::make_unique<Galley::MainWindow>(*runtime);
         presenter.attach(runtime->loop(), window.get());
         user = std::make_unique<User>(runtime->loop());
@@ -92,11 +95,15 @@ protected:
     // open (bounded).
     bool openAndPlay() {
         window->openLater(SAMPLE_DOCUMENT);
-        return runtime->loop().runUntil([&] { return user->done() && !runtime->frontDialog() && runtime->frontDocument(); },
-                                        std::chrono::steady_clock::now() + 10s);
+        return runtime->loop().runUntil(
+            [&] {
+                return user->done() && !runtime->dialogs().frontDialog() &&
+                       runtime->documents().front();
+            },
+            std::chrono::steady_clock::now() + 10s);
     }
     Galley::QtDialogView* front() const {
-        Galley::Dialog* dialog = runtime->frontDialog();
+        Galley::Dialog* dialog = runtime->dialogs().frontDialog();
         return dialog ? presenter.viewOf(*dialog) : nullptr;
     }
     template <typename T>
@@ -109,15 +116,17 @@ protected:
     int pinkRuns() {
         window->refreshDocument();
         int runs = 0;
-        for (QTextBlock block = window->view().document()->begin(); block.isValid(); block = block.next())
+        for (QTextBlock block = window->view().document()->begin(); block.isValid();
+             block = block.next())
             for (auto it = block.begin(); !it.atEnd(); ++it)
-                runs += it.fragment().charFormat().background().color() == Galley::DocumentView::missingFontBackground();
+                runs += it.fragment().charFormat().background().color() ==
+                        Galley::DocumentView::missingFontBackground();
         return runs;
     }
     void fontArrives(const std::string& ps, const std::string& family, const std::string& style) {
         faces.add(ps, family, style, IPMFont::kOpenTypeCFF);
         vellumine.holdings[ps] = {1, true, {"11"}};
-        runtime->fontFoldersChanged();
+        runtime->documents().fontFoldersChanged();
     }
 
     VLMTest::FakePlatform platform;
@@ -161,7 +170,7 @@ TEST_F(Gui, ProgressDialogClosesItselfWhenTheFontArrivesAndTheHighlightGoes) {
     EXPECT_EQ(half, QColor::fromRgbF(0.2f, 0.6f, 0.4f));
     EXPECT_NE(rest, half);
     EXPECT_EQ(pinkRuns(), 0);
-    EXPECT_EQ(runtime->frontDocument()->usage().GetMissingFontCount(), 0);
+    EXPECT_EQ(runtime->documents().front()->usage().GetMissingFontCount(), 0);
 }
 
 TEST_F(Gui, MainDialogRowsShowStatusInColourAndButtonsFollowTheSelection) {
@@ -171,23 +180,29 @@ TEST_F(Gui, MainDialogRowsShowStatusInColourAndButtonsFollowTheSelection) {
     QColor colour;
     bool buyBefore = true, buyAfter = false;
     QString captionBefore, captionAfter;
-    user->then([&] { return frontIs("Missing Fonts"); }, [&] {
-        auto* tree = inFront<QTreeView>("fontTree");
-        QAbstractItemModel* rows = tree->model();
-        const QModelIndex font = rows->index(0, 0);
-        for (int c = 0; c < rows->columnCount(); ++c)
-            status.push_back(rows->index(0, c).data().toString());
-        colour = rows->index(0, rows->columnCount() - 1).data(Qt::ForegroundRole).value<QBrush>().color();
-        captionBefore = inFront<QPushButton>("activateButton")->text();
-        buyBefore = inFront<QPushButton>("buyButton")->isEnabled();
-        EXPECT_EQ(rows->rowCount(font), 2) << "one row per candidate";
-        tree->selectionModel()->select(font, QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    });
-    user->then([&] { return front() && inFront<QPushButton>("buyButton")->isEnabled(); }, [&] {
-        buyAfter = true;
-        captionAfter = inFront<QPushButton>("activateButton")->text();
-        QTest::mouseClick(inFront<QPushButton>("cancelButton"), Qt::LeftButton);
-    });
+    user->then([&] { return frontIs("Missing Fonts"); },
+               [&] {
+                   auto* tree = inFront<QTreeView>("fontTree");
+                   QAbstractItemModel* rows = tree->model();
+                   const QModelIndex font = rows->index(0, 0);
+                   for (int c = 0; c < rows->columnCount(); ++c)
+                       status.push_back(rows->index(0, c).data().toString());
+                   colour = rows->index(0, rows->columnCount() - 1)
+                                .data(Qt::ForegroundRole)
+                                .value<QBrush>()
+                                .color();
+                   captionBefore = inFront<QPushButton>("activateButton")->text();
+                   buyBefore = inFront<QPushButton>("buyButton")->isEnabled();
+                   EXPECT_EQ(rows->rowCount(font), 2) << "one row per candidate";
+                   tree->selectionModel()->select(font, QItemSelectionModel::Select |
+                                                            QItemSelectionModel::Rows);
+               });
+    user->then([&] { return front() && inFront<QPushButton>("buyButton")->isEnabled(); },
+               [&] {
+                   buyAfter = true;
+                   captionAfter = inFront<QPushButton>("activateButton")->text();
+                   QTest::mouseClick(inFront<QPushButton>("cancelButton"), Qt::LeftButton);
+               });
     ASSERT_TRUE(openAndPlay());
     ASSERT_GE(status.size(), 4u);
     EXPECT_EQ(status.back().toStdString(), "Several matches");
@@ -201,24 +216,32 @@ TEST_F(Gui, MainDialogRowsShowStatusInColourAndButtonsFollowTheSelection) {
 
 TEST_F(Gui, ADoubleClickInTheReplacementDialogChoosesTheFontAndOKReplacesIt) {
     vellumine.showWindow = true; // the font manager holds nothing of the missing font
-    user->then([&] { return frontIs("Missing Fonts"); }, [&] {
-        auto* tree = inFront<QTreeView>("fontTree");
-        tree->selectionModel()->select(tree->model()->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    });
-    user->then([&] { return frontIs("Missing Fonts") && inFront<QPushButton>("replaceButton")->isEnabled(); },
-               [&] { QTest::mouseClick(inFront<QPushButton>("replaceButton"), Qt::LeftButton); });
-    user->then([&] { return frontIs("Replace Font") && inFront<QListWidget>("fontList")->count() > 0; }, [&] {
-        auto* list = inFront<QListWidget>("fontList");
-        const auto items = list->findItems("DejaVu Sans Book", Qt::MatchExactly);
-        ASSERT_FALSE(items.isEmpty());
-        emit list->itemDoubleClicked(items.front());
-    });
+    user->then([&] { return frontIs("Missing Fonts"); },
+               [&] {
+                   auto* tree = inFront<QTreeView>("fontTree");
+                   tree->selectionModel()->select(tree->model()->index(0, 0),
+                                                  QItemSelectionModel::Select |
+                                                      QItemSelectionModel::Rows);
+               });
+    user->then(
+        [&] {
+            return frontIs("Missing Fonts") && inFront<QPushButton>("replaceButton")->isEnabled();
+        },
+        [&] { QTest::mouseClick(inFront<QPushButton>("replaceButton"), Qt::LeftButton); });
+    user->then(
+        [&] { return frontIs("Replace Font") && inFront<QListWidget>("fontList")->count() > 0; },
+        [&] {
+            auto* list = inFront<QListWidget>("fontList");
+            const auto items = list->findItems("DejaVu Sans Book", Qt::MatchExactly);
+            ASSERT_FALSE(items.isEmpty());
+            emit list->itemDoubleClicked(items.front());
+        });
     user->then([&] { return frontIs("Missing Fonts"); },
                [&] { QTest::mouseClick(inFront<QPushButton>("okButton"), Qt::LeftButton); });
     EXPECT_EQ(pinkRuns(), 0) << "nothing open yet";
     ASSERT_TRUE(openAndPlay()) << "steps played: " << user->played();
     EXPECT_EQ(pinkRuns(), 0);
-    EXPECT_TRUE(runtime->frontDocument()->IsModified());
+    EXPECT_TRUE(runtime->documents().front()->IsModified());
 }
 
 } // namespace

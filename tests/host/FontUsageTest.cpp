@@ -3,12 +3,12 @@
 #include "sdk/HostIdentifiers.h"
 #include "sdk/IDocumentFontUsage.h"
 
-using HostTest::face;
+constexpr auto face = &VLMTest::ListedFaces::face;
 using Strings = std::vector<std::string>;
 
 namespace {
 
-using FontUsage = HostTest::SessionTest<HostTest::FixedFaces>;
+using FontUsage = HostTest::SessionTest<VLMTest::ListedFaces>;
 
 const char* kMixed = R"(
 font "Nimbus Roman" Regular NimbusRoman-Regular Type1

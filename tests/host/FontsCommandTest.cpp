@@ -1,4 +1,4 @@
-// `galley fonts` as a user runs it: output forms and exit status.
+// `galley fonts` and `galley replace` as a user runs them: output forms and exit status.
 #include "HostTestSupport.h"
 
 #include <array>
@@ -69,6 +69,64 @@ TEST_F(FontsCommand, TableExitsZeroAndErrorsExitTwoWithTheFileAndPart) {
         EXPECT_EQ(result.status, status) << arguments;
         EXPECT_NE(result.output.find(shown), std::string::npos) << result.output;
     }
+}
+
+// A document exported with a font that was missing where it was made: Fonts.xml gives no
+// PostScript name. A style names it too.
+constexpr const char* kExported = R"(
+font "Nimbus Sans" Black - OpenTypeCFF
+font "Nimbus Sans" Regular NimbusSans-Regular Type1
+pstyle Title font="Nimbus Sans" style=Black
+story
+para pstyle=Title
+run text="Title"
+para font="Nimbus Sans" style=Regular
+run style=Black wrap=xml text="tagged"
+)";
+
+TEST_F(FontsCommand, ReplaceSetsTheTextInTheNewFaceAndWithStylesLeavesNothingMissing) {
+    const std::string path = HostTest::writeDescribed(dir, kExported);
+    Result textOnly = run("replace " + path + " \"Nimbus Sans Black\" NimbusSans-Regular");
+    EXPECT_EQ(textOnly.status, 1) << textOnly.output; // the Title style still names it
+    EXPECT_NE(textOnly.output.find("in 2 runs of text"), std::string::npos) << textOnly.output;
+    EXPECT_NE(run("fonts " + path).output.find("Nimbus Sans  Black    -"), std::string::npos);
+
+    const std::string fixed = dir.file("fixed.idml");
+    const std::string before = HostTest::readFile(path);
+    Result styles = run("replace " + path + " \"nimbus sans black\" \"Nimbus Sans Regular\" " +
+                        "--styles --output " + fixed);
+    EXPECT_EQ(styles.status, 0) << styles.output;
+    EXPECT_NE(styles.output.find("in 1 style (Title)"), std::string::npos) << styles.output;
+    EXPECT_EQ(HostTest::readFile(path), before);
+    Result report = run("fonts " + fixed);
+    EXPECT_EQ(report.status, 0) << report.output;
+    EXPECT_EQ(report.output.find("Black"), std::string::npos) << report.output;
+}
+
+// Every refusal exits 2, names what is wrong and writes nothing, not even a temporary file.
+TEST_F(FontsCommand, ReplaceRefusalsWriteNothing) {
+    const std::string path = HostTest::writeDescribed(dir, kExported);
+    const std::string before = HostTest::readFile(path);
+    const std::string output = " --output " + dir.file("out.idml");
+    const std::pair<std::string, std::string> cases[] = {
+        {"\"Nimbus Sans Light\" NimbusSans-Regular", "uses no font named \"Nimbus Sans Light\""},
+        {"\"Nimbus Sans Black\" \"No Such Face\"", "no installed font is named \"No Such Face\""},
+        {"NimbusSans-Regular", "name the document, the font to replace and its replacement"},
+        {"NimbusSans-Regular NimbusSans-Regular --frobnicate", "unknown option \"--frobnicate\""},
+    };
+    for (const auto& [arguments, message] : cases) {
+        Result result = run("replace " + path + " " + arguments + output);
+        EXPECT_EQ(result.status, 2) << arguments;
+        EXPECT_NE(result.output.find(message), std::string::npos) << result.output;
+        EXPECT_EQ(HostTest::readFile(path), before) << arguments;
+        EXPECT_EQ(dir.entries(), 1) << arguments;
+    }
+    const std::string onlyStyles = HostTest::writeDescribed(
+        dir, "font Gone Regular GoneR Type1\npstyle S font=Gone style=Regular\nstory\n", "s.idml");
+    Result result = run("replace " + onlyStyles + " GoneR NimbusSans-Regular");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.output.find("only styles name it (S): add --styles"), std::string::npos)
+        << result.output;
 }
 
 } // namespace

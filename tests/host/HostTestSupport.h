@@ -19,6 +19,7 @@
 #include "sdk/ITextModel.h"
 #include "sdk/IWorkspace.h"
 #include "sdk/TextAttributes.h"
+#include "tests/support/ListedFaces.h"
 
 #include <gtest/gtest.h>
 
@@ -56,27 +57,6 @@ public:
 private:
     std::string path_;
 };
-
-// Installed faces for tests that leave fontconfig out.
-struct FixedFaces : Galley::FaceSource {
-    std::vector<Galley::InstalledFace> faces;
-    bool changed = false;
-    std::vector<Galley::InstalledFace> load() override {
-        changed = false;
-        return faces;
-    }
-    bool changedSinceLoad() override { return changed; }
-};
-
-inline Galley::InstalledFace face(const std::string& postscriptName, const std::string& family,
-                                  const std::string& style, IPMFont::FontType type) {
-    return {.postscriptName = postscriptName,
-            .families = {family},
-            .styles = {style},
-            .fullName = family + " " + style,
-            .file = "/fonts/" + postscriptName + "." + std::to_string(type),
-            .type = type};
-}
 
 // A fontconfig world of its own: FONTCONFIG_FILE points at a configuration that scans only
 // the world's font folder, where tests link Debian-packaged font files.

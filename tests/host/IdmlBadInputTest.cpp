@@ -11,7 +11,7 @@ using IdmlTestKit::DocumentDef;
 
 namespace {
 
-class BadInput : public HostTest::SessionTest<HostTest::FixedFaces> {
+class BadInput : public HostTest::SessionTest<VLMTest::ListedFaces> {
 protected:
     // Opening `path` must fail naming the file, `part` and `detail`, and write no file.
     void expectRefused(const std::string& path, const std::string& part, const std::string& detail,

@@ -4,7 +4,7 @@
 
 namespace {
 
-using StyleResolution = HostTest::SessionTest<HostTest::FixedFaces>;
+using StyleResolution = HostTest::SessionTest<VLMTest::ListedFaces>;
 using Strings = std::vector<std::string>;
 
 // Local attributes (both forms) beat the character style chain, which beats paragraph-level
@@ -64,8 +64,8 @@ TEST_F(StyleResolution, ExportedSampleResolvesEveryShapeToTheFontsItsStylesName)
     EXPECT_EQ(HostTest::runFonts(*doc),
               (Strings{"TeX Gyre Heros/Bold", "C059/Roman", "C059/Italic", "Nimbus Mono PS/Regular",
                        "Nimbus Mono PS/Regular", "Nimbus Sans/Regular", "Nimbus Mono PS/Regular",
-                       "Gothic Composite/Roman", "Nimbus Sans/Black", "TeX Gyre Heros/Italic",
-                       "DejaVu Sans/Book"}));
+                       "Gothic Composite/Roman", "Nimbus Sans/Black", "URW Gothic/Book",
+                       "TeX Gyre Heros/Italic", "DejaVu Sans/Bold", "DejaVu Sans/Book"}));
     const auto& runs = doc->stories().front()->runs();
     EXPECT_EQ(runs[0].length, 16); // a special character, 14 letters and a break
     EXPECT_EQ(runs[1].length, 18); // "Cafés & bookshops " written as character references
@@ -73,7 +73,39 @@ TEST_F(StyleResolution, ExportedSampleResolvesEveryShapeToTheFontsItsStylesName)
     EXPECT_EQ(HostTest::usageNames(doc->usage().missing()),
               (Strings{"TeX Gyre Heros/Bold", "C059/Roman", "C059/Italic", "Nimbus Mono PS/Regular",
                        "Nimbus Sans/Regular", "URW Gothic/Book", "Nimbus Sans/Black",
-                       "TeX Gyre Heros/Italic", "DejaVu Sans/Book"}));
+                       "TeX Gyre Heros/Italic", "DejaVu Sans/Bold", "DejaVu Sans/Book"}));
+}
+
+// Exports of tagged layouts put the text of a range inside XML elements, hyperlink sources
+// and tracked changes: it counts, reads and resolves like text directly in the range, while
+// a range nested deeper (a footnote's) still forms runs of its own.
+TEST_F(StyleResolution, TaggedTextIsReadAtAnyDepthBelowItsRange) {
+    struct Case {
+        const char* wrap;
+        const char* description; // the run's text as the description writes it
+        const char* text;        // as the story reads it
+        int length;
+    } cases[] = {{"xml", "And a subtitle", "And a subtitle", 14},
+                 {"xml,link", "Tagged \xC3\xA9 link", "Tagged \xC3\xA9 link", 13},
+                 {"xml,xml,change", "Deep\\n", "Deep\n", 5}};
+    const std::string roman = std::string(Galley::kDefaultFontFamily) + "/Regular";
+    for (const Case& c : cases) {
+        auto doc = open(std::string("story\npara\nrun text=\"A \"\n") +
+                        "run font=Vollkorn style=Italic props wrap=" + c.wrap + " text=\"" +
+                        c.description + "\"\nrun in=footnote font=Note text=\"n\"\n");
+        const Galley::Story& story = *doc->stories().front();
+        Strings texts;
+        for (const auto& run : story.runs())
+            texts.push_back(Galley::Story::text(run));
+        EXPECT_EQ(texts, (Strings{"A ", c.text, "n"})) << c.wrap;
+        EXPECT_EQ(story.runs()[1].length, c.length) << c.wrap;
+        EXPECT_EQ(story.length(), 2 + c.length + 1) << c.wrap;
+        EXPECT_EQ(HostTest::runFonts(*doc), (Strings{roman, "Vollkorn/Italic", "Note/Regular"}))
+            << c.wrap;
+        EXPECT_EQ(HostTest::usageNames(doc->usage().missing()),
+                  (Strings{roman, "Vollkorn/Italic", "Note/Regular"}))
+            << c.wrap;
+    }
 }
 
 TEST_F(StyleResolution, RootStylesCarryTheDefaultsAndBasedOnNamesParentsEitherWay) {

@@ -3,7 +3,7 @@
 
 namespace {
 
-class TextCommands : public HostTest::SessionTest<HostTest::FixedFaces> {
+class TextCommands : public HostTest::SessionTest<VLMTest::ListedFaces> {
 protected:
     std::unique_ptr<Galley::IdmlDocument> doc;
     ITextModel* model = nullptr;
@@ -11,7 +11,7 @@ protected:
 
     void SetUp() override {
         faces.faces = {
-            HostTest::face("NimbusSans-Bold", "Nimbus Sans", "Bold", IPMFont::kOpenTypeCFF)};
+            VLMTest::ListedFaces::face("NimbusSans-Bold", "Nimbus Sans", "Bold", IPMFont::kOpenTypeCFF)};
         doc = open(R"(
 font "Gone Serif" Regular GoneSerif-Regular Type1
 pstyle Body font="Gone Serif" style=Regular

@@ -37,9 +37,10 @@ TYPED_TEST_P(LoopScenarios, ModalWaitKeepsIdleTasksRunningAndEndsWhenOneClosesTh
     this->runtime->invokeAction("probe");
     this->runtime->invokeAction("modal");
     const std::vector<std::string> tail(this->probe->events.end() - 4, this->probe->events.end());
-    EXPECT_EQ(tail, (std::vector<std::string>{"idle 1", "idle 2", "detach", "wait returned, closed"}));
+    EXPECT_EQ(tail,
+              (std::vector<std::string>{"idle 1", "idle 2", "detach", "wait returned, closed"}));
     EXPECT_TRUE(this->saw("attach"));
-    EXPECT_FALSE(this->runtime->timedOut());
+    EXPECT_FALSE(this->runtime->dialogs().timedOut());
 }
 
 TYPED_TEST_P(LoopScenarios, AWaitThatHoldsIdleTasksRunsThemOnlyAfterwards) {
@@ -47,10 +48,12 @@ TYPED_TEST_P(LoopScenarios, AWaitThatHoldsIdleTasksRunsThemOnlyAfterwards) {
     bool ended = false, ranDuringWait = false;
     const auto wakeUp = this->loop.addTimer([&] { ended = true; });
     this->loop.armTimer(wakeUp, 50000);
-    this->runtime->waitUntil([&] {
-        ranDuringWait = ranDuringWait || this->saw("idle 0");
-        return ended;
-    }, false);
+    this->runtime->dialogs().waitUntil(
+        [&] {
+            ranDuringWait = ranDuringWait || this->saw("idle 0");
+            return ended;
+        },
+        false);
     EXPECT_FALSE(ranDuringWait);
     EXPECT_TRUE(this->saw("idle 0")) << "the task came due during the wait and runs when it ends";
     this->loop.remove(wakeUp);
@@ -63,8 +66,8 @@ TYPED_TEST_P(LoopScenarios, AWaitPastTheDeadlineCancelsTheDialogInFront) {
     this->SetUp();
     this->runtime->invokeAction("modal");
     EXPECT_TRUE(this->saw("wait returned, closed"));
-    EXPECT_TRUE(this->runtime->timedOut());
-    EXPECT_EQ(this->runtime->frontDialog(), nullptr);
+    EXPECT_TRUE(this->runtime->dialogs().timedOut());
+    EXPECT_EQ(this->runtime->dialogs().frontDialog(), nullptr);
 }
 
 REGISTER_TYPED_TEST_SUITE_P(LoopScenarios, IdleTaskRunsAgainAfterTheDelayItAnswers,

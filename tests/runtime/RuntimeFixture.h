@@ -4,8 +4,8 @@
 
 #include "host/dialogs/Dialog.h"
 #include "host/document/IdmlDocument.h"
+#include "host/loop/SdEventLoop.h"
 #include "host/runtime/Runtime.h"
-#include "host/runtime/SdEventLoop.h"
 #include "host/session/GalleySession.h"
 #include "sdk/HostIdentifiers.h"
 #include "tests/support/ListedFaces.h"
@@ -23,8 +23,12 @@ namespace RuntimeTest {
 // Records what the runtime shows; alerts answer with their default button.
 struct RecordingPresenter : Galley::Presenter {
     std::vector<std::string> lines;
-    void dialogOpened(Galley::Dialog& dialog) override { lines.push_back("opened " + dialog.title()); }
-    void dialogClosed(Galley::Dialog& dialog) override { lines.push_back("closed " + dialog.title()); }
+    void dialogOpened(Galley::Dialog& dialog) override {
+        lines.push_back("opened " + dialog.title());
+    }
+    void dialogClosed(Galley::Dialog& dialog) override {
+        lines.push_back("closed " + dialog.title());
+    }
     int16 alert(IAlertPresenter::Kind, const std::string& message, const std::string[3],
                 int16 defaultButton) override {
         lines.push_back("alert " + message);
@@ -32,8 +36,9 @@ struct RecordingPresenter : Galley::Presenter {
     }
     void status(const std::string& message) override { lines.push_back("status " + message); }
     bool has(const std::string& part) const {
-        return std::any_of(lines.begin(), lines.end(),
-                           [&](const std::string& line) { return line.find(part) != std::string::npos; });
+        return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
+            return line.find(part) != std::string::npos;
+        });
     }
 };
 
@@ -48,7 +53,7 @@ protected:
         runtime = std::make_unique<Galley::Runtime>(loop, session, presenter, options);
     }
     void SetUp() override {
-        runtime->loadPlugins({TEST_PLUGIN});
+        runtime->plugins().load({TEST_PLUGIN});
         void* handle = dlopen(TEST_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
         ASSERT_NE(handle, nullptr);
         probe = reinterpret_cast<TestPluginProbe* (*)()>(dlsym(handle, "GalleyTestPluginProbe"))();
@@ -63,8 +68,9 @@ protected:
                                         std::chrono::steady_clock::now() + std::chrono::seconds(1));
     }
     Galley::Dialog* openTestDialog() {
-        auto* dialog = runtime->CreateNewDialog(
-            RsrcSpec(PMLocaleId{}, kTestPluginPrefix, kViewRsrcType, kTestDialogRsrc), IDialog::kMovableModal);
+        auto* dialog = runtime->dialogs().CreateNewDialog(
+            RsrcSpec(PMLocaleId{}, kTestPluginPrefix, kViewRsrcType, kTestDialogRsrc),
+            IDialog::kMovableModal);
         if (dialog)
             dialog->Open();
         return static_cast<Galley::Dialog*>(dialog);

@@ -1,6 +1,6 @@
 #include "LoopScenarios.h"
 
-#include "host/runtime/PluginLoader.h"
+#include "host/plugins/PluginLoader.h"
 #include "platform/Platform.h"
 #include "sdk/IIdleTask.h"
 #include "sdk/ISubject.h"
@@ -23,8 +23,8 @@ TEST(PluginLoading, RefusesEachBrokenPluginOnceAndNamesWhy) {
         {"/nonexistent/libnothing.so", "cannot open shared object file"},
         {dir + "/plugin-v1/libgalley-test-plugin-v1.so", "exports no SDK version"},
         {dir + "/plugin-v2/libgalley-test-plugin-v2.so",
-         "built for SDK version " + std::to_string(kGalleySDKVersion + 1) + ", this Galley has version " +
-             std::to_string(kGalleySDKVersion)},
+         "built for SDK version " + std::to_string(kGalleySDKVersion + 1) +
+             ", this Galley has version " + std::to_string(kGalleySDKVersion)},
         {dir + "/plugin-v3/libgalley-test-plugin-v3.so", "its entry point failed"},
         {dir + "/plugin-v4/libgalley-test-plugin-v4.so", "idle task 0x7E5703 is registered twice"},
     };
@@ -34,7 +34,8 @@ TEST(PluginLoading, RefusesEachBrokenPluginOnceAndNamesWhy) {
         auto plugin = Galley::PluginLoader(calls).load(c.path);
         EXPECT_EQ(plugin->state, Galley::LoadedPlugin::State::failed) << c.path;
         ASSERT_FALSE(reports.empty()) << c.path;
-        EXPECT_NE(reports.back().find("plug-in " + c.path + " was not loaded: "), std::string::npos) << reports.back();
+        EXPECT_NE(reports.back().find("plug-in " + c.path + " was not loaded: "), std::string::npos)
+            << reports.back();
         EXPECT_NE(reports.back().find(c.reason), std::string::npos) << reports.back();
         // The thrown entry point is reported as the failure it is, then the refusal: no more.
         EXPECT_LE(reports.size(), 2u) << c.path;
@@ -59,7 +60,7 @@ TEST_F(Runtime, PluginSeesTheHostsOneSessionClockAndTicks) {
     services.clock = &clock;
     Platform::install(services);
     SetTickSource([] { return 4242u; });
-    runtime->openDocument(SAMPLE_DOCUMENT);
+    runtime->documents().open(SAMPLE_DOCUMENT);
     SetTickSource(nullptr);
     EXPECT_EQ(probe->sessionSeen, &session);
     EXPECT_EQ(probe->ticksSeen, 4242u);
@@ -68,20 +69,21 @@ TEST_F(Runtime, PluginSeesTheHostsOneSessionClockAndTicks) {
 }
 
 TEST_F(Runtime, DocumentSignalsReachTheRespondersThatAskedForThem) {
-    Galley::IdmlDocument& document = runtime->openDocument(SAMPLE_DOCUMENT);
+    Galley::IdmlDocument& document = runtime->documents().open(SAMPLE_DOCUMENT);
     // The after-open signal comes once the document is fully built: its stories are there.
     ASSERT_EQ(probe->events.size(), 1u);
-    EXPECT_EQ(probe->events[0], "respond 3598 stories=" + std::to_string(document.GetTextModelCount()));
+    EXPECT_EQ(probe->events[0],
+              "respond 3598 stories=" + std::to_string(document.GetTextModelCount()));
     EXPECT_GT(document.GetTextModelCount(), 0);
-    runtime->sendDocumentSignal(kBeforeCloseDocSignalResponderService, &document);
-    runtime->sendDocumentSignal(kAfterNewDocSignalResponderService, &document);
+    runtime->documents().sendSignal(kBeforeCloseDocSignalResponderService, &document);
+    runtime->documents().sendSignal(kAfterNewDocSignalResponderService, &document);
     EXPECT_EQ(probe->events.size(), 2u);
     EXPECT_TRUE(saw("respond 3597 stories=" + std::to_string(document.GetTextModelCount())));
 }
 
 TEST_F(Runtime, AnExceptionOutOfThePluginIsReportedAndTheHostRunsOn) {
     probe->throwInResponder = true;
-    runtime->openDocument(SAMPLE_DOCUMENT);
+    runtime->documents().open(SAMPLE_DOCUMENT);
     EXPECT_EQ(runtime->pluginFailures(), 1);
     EXPECT_TRUE(presenter.has("failed in its responder to signal 3598: the responder gave up"));
     probe->throwInResponder = false;
@@ -90,14 +92,15 @@ TEST_F(Runtime, AnExceptionOutOfThePluginIsReportedAndTheHostRunsOn) {
 }
 
 TEST_F(Runtime, MenuActionsAreFoundByNameOrIDWithTheirTitles) {
-    const auto menu = runtime->menu();
+    const auto menu = runtime->plugins().menu();
     ASSERT_EQ(menu.size(), 2u);
     EXPECT_EQ(menu[0].title, "Probe");
     EXPECT_TRUE(runtime->invokeAction("0x7E5701"));
     EXPECT_TRUE(runtime->invokeAction(std::to_string(kTestActionProbe)));
     EXPECT_FALSE(runtime->invokeAction("nothing"));
     EXPECT_EQ(std::count(probe->events.begin(), probe->events.end(),
-                         "action " + std::to_string(kTestActionProbe)), 2);
+                         "action " + std::to_string(kTestActionProbe)),
+              2);
 }
 
 TEST_F(Runtime, DisabledObserverHearsNothingUntilEnabledAgain) {

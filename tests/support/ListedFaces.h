@@ -20,15 +20,19 @@ struct ListedFaces : Galley::FaceSource {
     bool changedSinceLoad() override { return changed; }
     void add(const std::string& ps, const std::string& family, const std::string& style,
              IPMFont::FontType type) {
+        faces.push_back(face(ps, family, style, type));
+        changed = true;
+    }
+    static Galley::InstalledFace face(const std::string& ps, const std::string& family,
+                                      const std::string& style, IPMFont::FontType type) {
         Galley::InstalledFace face;
         face.postscriptName = ps;
         face.families = {family};
         face.styles = {style};
         face.fullName = family + " " + style;
-        face.file = "/nonexistent/" + ps; // each face a file of its own
+        face.file = "/nonexistent/" + ps + "." + std::to_string(type); // a file of its own
         face.type = type;
-        faces.push_back(face);
-        changed = true;
+        return face;
     }
 };
 

@@ -76,6 +76,18 @@ Container container(const Options& o, int number) {
     return found->second;
 }
 
+// "xml,link" -> {"xml", "link"}
+std::vector<std::string> wrappers(const std::string& list, int number) {
+    std::vector<std::string> kinds;
+    std::istringstream in(list);
+    for (std::string kind; std::getline(in, kind, ',');) {
+        if (kind != "xml" && kind != "link" && kind != "change")
+            fail(number, "unknown wrapper \"" + kind + "\" (xml, link or change)");
+        kinds.push_back(kind);
+    }
+    return kinds;
+}
+
 StyleDef style(const std::vector<std::string>& w, int number) {
     Options o = options(w, 2, number);
     auto basedBy = get(o, "basedby").value_or("self");
@@ -99,7 +111,7 @@ DocumentDef parseDescription(const std::string& text) {
         if (verb == "dom" && w.size() == 2) {
             d.domVersion = w[1];
         } else if (verb == "font" && w.size() == 5) {
-            d.fonts.push_back({w[1], w[2], w[3], w[4]});
+            d.fonts.push_back({w[1], w[2], w[3] == "-" ? "" : w[3], w[4]});
         } else if (verb == "exported" && w.size() == 1) {
             d.exported = true;
         } else if (verb == "composite" && w.size() >= 4 && w.size() % 2 == 0) {
@@ -108,7 +120,8 @@ DocumentDef parseDescription(const std::string& text) {
                 composite.faces.emplace_back(w[i], w[i + 1]);
             d.composites.push_back(composite);
         } else if (verb == "proot" || verb == "croot") {
-            (verb == "proot" ? d.rootParagraph : d.rootCharacter) = fontAttrs(options(w, 1, number));
+            (verb == "proot" ? d.rootParagraph : d.rootCharacter) =
+                fontAttrs(options(w, 1, number));
         } else if ((verb == "pstyle" || verb == "cstyle") && w.size() >= 2) {
             (verb == "pstyle" ? d.paragraphStyles : d.characterStyles).push_back(style(w, number));
         } else if (verb == "story" && w.size() == 1) {
@@ -126,8 +139,8 @@ DocumentDef parseDescription(const std::string& text) {
             auto ace = get(o, "ace");
             d.stories.back().paragraphs.back().runs.push_back(
                 {get(o, "cstyle").value_or(""), fontAttrs(o), get(o, "text").value_or(""),
-                 container(o, number), get(o, "pstyle").value_or(""),
-                 ace ? std::stoi(*ace) : -1, o.count("refs") > 0});
+                 container(o, number), get(o, "pstyle").value_or(""), ace ? std::stoi(*ace) : -1,
+                 o.count("refs") > 0, -1, wrappers(get(o, "wrap").value_or(""), number)});
         } else {
             fail(number, "cannot read \"" + line + "\"");
         }

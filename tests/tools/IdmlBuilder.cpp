@@ -75,8 +75,7 @@ std::pair<std::string, std::string> fontMarkup(const FontAttrs& attrs, const std
 }
 
 std::string element(const std::string& name, const std::string& self, const std::string& label,
-                    const FontAttrs& attrs, const std::string& basedOn, bool byName,
-                    bool noise) {
+                    const FontAttrs& attrs, const std::string& basedOn, bool byName, bool noise) {
     auto [attributes, properties] = fontMarkup(attrs, basedOn, byName, noise);
     std::string open = "\t\t<" + name + attr("Self", self) + attr("Name", label) + attributes +
                        (noise ? kStyleNoise : "");
@@ -162,9 +161,11 @@ std::string fontsXml(const DocumentDef& d) {
         std::string self = "di" + std::to_string(100 + i);
         xml += "\t<FontFamily" + attr("Self", self) + attr("Name", f.family) + ">\n\t\t<Font" +
                attr("Self", self + "Font") + attr("FontFamily", f.family) +
-               attr("Name", f.family + " " + f.style) + attr("PostScriptName", f.postscriptName) +
-               " Status=\"Installed\"" + attr("FontStyleName", f.style) + attr("FontType", f.type) +
-               "/>\n\t</FontFamily>\n";
+               attr("Name", f.family + " " + f.style) +
+               (f.postscriptName.empty()
+                    ? std::string(" Status=\"NotAvailable\"")
+                    : attr("PostScriptName", f.postscriptName) + " Status=\"Installed\"") +
+               attr("FontStyleName", f.style) + attr("FontType", f.type) + "/>\n\t</FontFamily>\n";
     }
     for (std::size_t c = 0; c < d.composites.size(); ++c) {
         const CompositeDef& composite = d.composites[c];
@@ -208,7 +209,8 @@ std::string content(const std::string& text, bool references) {
         end = std::min(text.find('\n', from), text.size());
         std::string piece = text.substr(from, end - from);
         if (end > from)
-            xml += "<Content>" + (references ? withReferences(piece) : escape(piece)) + "</Content>";
+            xml +=
+                "<Content>" + (references ? withReferences(piece) : escape(piece)) + "</Content>";
         if (end < text.size())
             xml += "<Br/>";
     }
@@ -220,20 +222,41 @@ std::string rangeStart(const std::string& kind, const std::string& style, const 
                        const DocumentDef& d) {
     auto [attributes, properties] = fontMarkup(attrs, "");
     if (d.exported)
-        properties = properties.empty()
-                         ? std::string("<Properties>") + kRangeNoiseProperties + "</Properties>"
-                         : "<Properties>" + std::string(kRangeNoiseProperties) + properties.substr(12);
+        properties =
+            properties.empty()
+                ? std::string("<Properties>") + kRangeNoiseProperties + "</Properties>"
+                : "<Properties>" + std::string(kRangeNoiseProperties) + properties.substr(12);
     const auto& styles = kind == "Paragraph" ? d.paragraphStyles : d.characterStyles;
     return "<" + kind + "StyleRange" +
            attr("Applied" + kind + "Style", styleSelf(kind, groupsOf(styles), style)) + attributes +
            (d.exported ? kRangeNoise : "") + ">" + properties;
 }
 
+// The run's text inside the elements that wrap it, outermost first.
+std::string wrapped(const std::vector<std::string>& wrappers, std::string text) {
+    static int number = 0;
+    for (auto kind = wrappers.rbegin(); kind != wrappers.rend(); ++kind) {
+        const std::string self = attr("Self", "w" + std::to_string(++number));
+        if (*kind == "xml")
+            text =
+                "<XMLElement" + self + " MarkupTag=\"XMLTag/Subtitle\">" + text + "</XMLElement>";
+        else if (*kind == "link")
+            text = "<HyperlinkTextSource" + self + " Name=\"Link\" Hidden=\"false\">" + text +
+                   "</HyperlinkTextSource>";
+        else if (*kind == "change")
+            text = "<Change" + self + " ChangeType=\"InsertedText\" UserName=\"Editor\">" + text +
+                   "</Change>";
+        else
+            throw std::invalid_argument("unknown wrapper \"" + *kind + "\"");
+    }
+    return text;
+}
+
 std::string runXml(const RunDef& r, const DocumentDef& d) {
     std::string special =
         r.specialCharacter >= 0 ? "<?ACE " + std::to_string(r.specialCharacter) + "?>" : "";
     return rangeStart("Character", r.characterStyle, r.attrs, d) + special +
-           content(r.text, r.characterReferences) + "</CharacterStyleRange>";
+           wrapped(r.wrappers, content(r.text, r.characterReferences)) + "</CharacterStyleRange>";
 }
 
 // A run in a container: a range of the paragraph holding the container, which holds a
@@ -245,11 +268,10 @@ std::string containedRunXml(const RunDef& r, const DocumentDef& d, std::size_t n
     std::string holder;
     switch (r.container) {
     case Container::Table:
-        holder = "<Table Self=\"tb" + id +
-                 "\" BodyRowCount=\"1\" ColumnCount=\"1\"><Row Self=\"tb" + id +
-                 "r0\" Name=\"0\"/><Column Self=\"tb" + id + "c0\" Name=\"0\"/><Cell Self=\"tb" +
-                 id + "i0\" Name=\"0:0\" RowSpan=\"1\" ColumnSpan=\"1\">" + inner +
-                 "</Cell></Table>";
+        holder =
+            "<Table Self=\"tb" + id + "\" BodyRowCount=\"1\" ColumnCount=\"1\"><Row Self=\"tb" +
+            id + "r0\" Name=\"0\"/><Column Self=\"tb" + id + "c0\" Name=\"0\"/><Cell Self=\"tb" +
+            id + "i0\" Name=\"0:0\" RowSpan=\"1\" ColumnSpan=\"1\">" + inner + "</Cell></Table>";
         break;
     case Container::Footnote:
         holder = "<Footnote Self=\"fn" + id + "\">" + inner + "</Footnote>";

@@ -20,6 +20,8 @@ struct FontAttrs {
 
 struct FontEntry {
     std::string family, style, postscriptName, type; // type as IDML writes it ("Type1", ...)
+    // An empty PostScript name writes the entry as exports write a font that was missing
+    // where they were made: no PostScriptName, Status "NotAvailable".
 };
 
 struct StyleDef {
@@ -41,9 +43,12 @@ struct RunDef {
     std::string text; // "\n" becomes <Br/>
     Container container = Container::None;
     std::string innerParagraphStyle = {}; // of the nested paragraph
-    int specialCharacter = -1;       // writes <?ACE n?> before the text when >= 0
-    bool characterReferences = false; // non-ASCII text and '&' as numeric references
-    int anchoredStory = -1;           // set by the writer
+    int specialCharacter = -1;            // writes <?ACE n?> before the text when >= 0
+    bool characterReferences = false;     // non-ASCII text and '&' as numeric references
+    int anchoredStory = -1;               // set by the writer
+    // Elements between the range and its text, outermost first, as exports of tagged layouts
+    // write them: "xml" (XMLElement), "link" (HyperlinkTextSource), "change" (Change).
+    std::vector<std::string> wrappers = {};
 };
 
 struct ParagraphDef {

@@ -2,14 +2,15 @@
 
 #include "document/IDFontSuite.h"
 #include "host/dialogs/Dialog.h"
+#include "host/loop/SdEventLoop.h"
 #include "host/runtime/Runtime.h"
-#include "host/runtime/SdEventLoop.h"
 #include "host/session/GalleySession.h"
 #include "link/NotifiyHandlerFactory.h"
 #include "link/VLMNotifyHandler.h"
 #include "resources/VellumineIDs.h"
 #include "sdk/HostIdentifiers.h"
 #include "support/FakePlatform.h"
+#include "tests/support/ListedFaces.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +42,8 @@ inline Tamrik::SmartPointer<VLMFontInfo> record(const std::string& name, Shape s
 }
 
 // Each text between `open` and the next `close` in `text`.
-inline std::vector<std::string> between(const std::string& text, const std::string& open, const std::string& close) {
+inline std::vector<std::string> between(const std::string& text, const std::string& open,
+                                        const std::string& close) {
     std::vector<std::string> found;
     for (auto at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
         const auto start = at + open.size();
@@ -50,22 +52,16 @@ inline std::vector<std::string> between(const std::string& text, const std::stri
     return found;
 }
 
-// Installed faces for the replacement list.
-struct Faces : Galley::FaceSource {
-    std::vector<Galley::InstalledFace> load() override {
-        std::vector<Galley::InstalledFace> faces(3);
-        const char* names[3][2] = {{"Alpha", "Regular"}, {"Alpha", "Bold"}, {"Beta", "Regular"}};
-        for (std::size_t n = 0; n < faces.size(); ++n) {
-            faces[n].families = {names[n][0]};
-            faces[n].styles = {names[n][1]};
-            faces[n].postscriptName = faces[n].file = faces[n].family() + "-" + faces[n].style();
-            // Beta Regular calls itself "Beta Book": it is still found, and listed, by family and style.
-            faces[n].fullName = n == 2 ? "Beta Book" : faces[n].family() + " " + faces[n].style();
-        }
-        return faces;
-    }
-    bool changedSinceLoad() override { return false; }
-};
+// Installed faces for the replacement list. Beta Regular calls itself "Beta Book": it is still
+// found, and listed, by family and style.
+inline VLMTest::ListedFaces replacementFaces() {
+    VLMTest::ListedFaces faces;
+    faces.add("Alpha-Regular", "Alpha", "Regular", IPMFont::kUnknownFontType);
+    faces.add("Alpha-Bold", "Alpha", "Bold", IPMFont::kUnknownFontType);
+    faces.add("Beta-Regular", "Beta", "Regular", IPMFont::kUnknownFontType);
+    faces.faces.back().fullName = "Beta Book";
+    return faces;
+}
 
 // The runtime with the fonts dialogs registered, over fake platform services whose font
 // manager runs and answers every request; each test starts with a fresh font suite.
@@ -74,20 +70,22 @@ protected:
     FontsDialogTest() {
         platform.runningApplications.add("VLMQ", "org.vellumine.Vellumine", 11);
         platform.appEvents.setResponder([](const Platform::AppEvent&) {
-            return VLMTest::FakeAppEvents::Answer{0, "<cmd>reply</cmd>\n<protocolVersion>2.0</protocolVersion>\n</cmd>\n"};
+            return VLMTest::FakeAppEvents::Answer{
+                0, "<cmd>reply</cmd>\n<protocolVersion>2.0</protocolVersion>\n</cmd>\n"};
         });
         Galley::Runtime::Options options;
         options.watchFontFolders = false;
         options.deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         runtime = std::make_unique<Galley::Runtime>(loop, session, presenter, options);
-        runtime->loadPlugins({UI_TEST_PLUGIN});
+        runtime->plugins().load({UI_TEST_PLUGIN});
         suite = VLM::IDFontSuite::getFontSuite(true);
     }
     ~FontsDialogTest() override { runtime->shutdown(); }
 
     Galley::Dialog& open(RsrcID resource) {
-        IDialog* dialog = runtime->CreateNewDialog(
-            RsrcSpec(PMLocaleId{}, kVelluminePrefix, kViewRsrcType, resource), IDialog::kMovableModal);
+        IDialog* dialog = runtime->dialogs().CreateNewDialog(
+            RsrcSpec(PMLocaleId{}, kVelluminePrefix, kViewRsrcType, resource),
+            IDialog::kMovableModal);
         EXPECT_NE(dialog, nullptr);
         dialog->Open();
         return *static_cast<Galley::Dialog*>(dialog);
@@ -98,27 +96,33 @@ protected:
             throw std::runtime_error("no widget " + std::to_string(id));
         return *found;
     }
-    static void notify() { VLM::NotifiyHandlerFactory::getNotifyHandler(false)->notifiyAll("<cmd cmd=\"fontChanged\"/>"); }
+    static void notify() {
+        VLM::NotifiyHandlerFactory::getNotifyHandler(false)->notifiyAll(
+            "<cmd cmd=\"fontChanged\"/>");
+    }
 
     // Every request of `command` sent to the font manager, each as the values of `element`.
-    std::vector<std::vector<std::string>> requests(const std::string& command, const std::string& element) const {
+    std::vector<std::vector<std::string>> requests(const std::string& command,
+                                                   const std::string& element) const {
         std::vector<std::vector<std::string>> found;
         for (const auto& sent : platform.appEvents.sent())
             if (sent.event.text.find("<cmd>" + command + "</cmd>") != std::string::npos)
-                found.push_back(between(sent.event.text, "<" + element + ">", "</" + element + ">"));
+                found.push_back(
+                    between(sent.event.text, "<" + element + ">", "</" + element + ">"));
         return found;
     }
     struct Presenter : Galley::Presenter {
         std::vector<std::string> closed;
         void dialogClosed(Galley::Dialog& dialog) override { closed.push_back(dialog.title()); }
-        int16 alert(IAlertPresenter::Kind, const std::string&, const std::string[3], int16 button) override {
+        int16 alert(IAlertPresenter::Kind, const std::string&, const std::string[3],
+                    int16 button) override {
             return button;
         }
     };
 
     VLMTest::FakePlatform platform;
     Galley::SdEventLoop loop;
-    Faces faces;
+    VLMTest::ListedFaces faces = replacementFaces();
     Galley::GalleySession session{faces};
     Presenter presenter;
     std::unique_ptr<Galley::Runtime> runtime;

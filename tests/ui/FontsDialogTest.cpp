@@ -15,8 +15,11 @@ struct RefreshTaskProbe : CIdleTask {
 extern "C" void VlmUiTestRegister(IPluginRegistry* registry) {
     registry->SetPluginInfo("Vellumine Link (tests)", kVelluminePrefix);
     VLM::registerFontsDialogs(*registry);
-    auto makeTask = [](IPMUnknown*) -> std::unique_ptr<IPMUnknown> { return std::make_unique<RefreshTaskProbe>(); };
-    registry->RegisterIdleTask(kRefreshIdleTaskImpl, makeTask, kWaitingDialogRsrcID, IID_IVELLUMINEREFRESHTASK);
+    auto makeTask = [](IPMUnknown*) -> std::unique_ptr<IPMUnknown> {
+        return std::make_unique<RefreshTaskProbe>();
+    };
+    registry->RegisterIdleTask(kRefreshIdleTaskImpl, makeTask, kWaitingDialogRsrcID,
+                               IID_IVELLUMINEREFRESHTASK);
 }
 
 namespace UiTest {
@@ -24,7 +27,11 @@ namespace {
 
 TEST(FontRowStatus, TextAndColourAreDecidedEachInTheirOwnOrder) {
     using namespace FontRowStatus;
-    struct Case { Shape shape; std::string key; RGBColor colour; };
+    struct Case {
+        Shape shape;
+        std::string key;
+        RGBColor colour;
+    };
     const Case cases[] = {
         {{2, true}, kVellumineMulitpleTextKey, orange},
         {{2, true, false, false, true}, kVellumineReplacedTextKey, orange},
@@ -48,7 +55,8 @@ protected:
     // Rows: 0 A, 1 A's match in 11, 2 A's match without a container, 3 B, 4 C, 5 D.
     void SetUp() override {
         suite->documentFonts = {record("A", {2, true}, {"11", ""}), record("B", {}),
-                                record("C", {1, true, true}), record("D", {1, true, false, false, true})};
+                                record("C", {1, true, true}),
+                                record("D", {1, true, false, false, true})};
         dialog = &open(kVellumineDialogRsrcID);
         tree = &widget(*dialog, kFontTreeWidgetID);
     }
@@ -62,7 +70,9 @@ protected:
         return static_cast<Galley::Widget*>(row_->FindWidget(id, 9))->displayText();
     }
     bool press(WidgetID button) { return dialog->pressButton(widget(*dialog, button)); }
-    VellumineDialogController& controller() { return *dynamic_cast<VellumineDialogController*>(dialog->GetController()); }
+    VellumineDialogController& controller() {
+        return *dynamic_cast<VellumineDialogController*>(dialog->GetController());
+    }
 
     Galley::Dialog* dialog = nullptr;
     Galley::Widget* tree = nullptr;
@@ -77,12 +87,17 @@ TEST_F(FontsDialog, RowsShowNamesTechnologyAndTranslatedStatusInColour) {
     EXPECT_EQ(cell(3, kRowStatusWidgetID), "Not in library");
     EXPECT_EQ(cell(4, kRowStatusWidgetID), "Activating");
     EXPECT_EQ(cell(5, kRowStatusWidgetID), "Replaced");
-    auto* status = static_cast<Galley::Widget*>(tree->rows()[3].widget->FindWidget(kRowStatusWidgetID, 9));
+    auto* status =
+        static_cast<Galley::Widget*>(tree->rows()[3].widget->FindWidget(kRowStatusWidgetID, 9));
     EXPECT_EQ(*status->textColor(), FontRowStatus::red);
 }
 
 TEST_F(FontsDialog, ButtonsFollowTheSelection) {
-    struct Case { std::initializer_list<int> rows; const char* caption; bool activate, buy, replace, info; };
+    struct Case {
+        std::initializer_list<int> rows;
+        const char* caption;
+        bool activate, buy, replace, info;
+    };
     const Case cases[] = {
         {{}, "Activate All", true, false, false, false},
         {{0}, "Activate", true, true, true, true},
@@ -126,9 +141,11 @@ TEST_F(FontsDialog, ButtonsActOnSelectedRowsLeavingPendingAndReplacedFontsOut) {
 TEST_F(FontsDialog, ReplacingTwiceKeepsTheLaterChoiceAndCancellingMarksNothing) {
     auto choose = [&](int element) {
         runtime->loop().post([this, element] { // runs inside the replacement dialog's wait
-            Galley::Dialog& replacer = *runtime->frontDialog();
-            EXPECT_EQ(widget(replacer, kReplacerPanelWidgetID).backgroundColor(), kInterfaceMenuHighLight);
-            element < 0 ? replacer.cancel() : widget(replacer, kReplacerListBoxWidgetID).doubleClickElement(element);
+            Galley::Dialog& replacer = *runtime->dialogs().frontDialog();
+            EXPECT_EQ(widget(replacer, kReplacerPanelWidgetID).backgroundColor(),
+                      kInterfaceMenuHighLight);
+            element < 0 ? replacer.cancel()
+                        : widget(replacer, kReplacerListBoxWidgetID).doubleClickElement(element);
         });
         ASSERT_TRUE(press(kReplaceButtonWidgetID));
     };

@@ -4,6 +4,7 @@
 
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/window/ImportJob.h"
 #include "fontmanager/window/WindowModel.h"
 
@@ -32,7 +33,7 @@ protected:
         usePrivateXdgFolders(scratch.path());
         scratch.write("system/DejaVuSerif.ttf", readFile(dejaVuSerif));
         const auto catalogFile = LibraryPaths::fromEnvironment().catalogFile();
-        Catalog catalog(catalogFile);
+        SqliteCatalog catalog(catalogFile);
         FaceReader reader;
         copy = scratch.write("copies/texgyrepagella-regular.otf",
                              readFile(texGyre / "texgyrepagella-regular.otf"));

@@ -1,0 +1,124 @@
+#include "host/runtime/DocumentHub.h"
+
+#include "host/base/PluginCalls.h"
+#include "host/document/IdmlDocument.h"
+#include "host/loop/FontFolderWatch.h"
+#include "host/loop/MainLoop.h"
+#include "host/runtime/Presenter.h"
+#include "host/session/GalleySession.h"
+#include "sdk/HostIdentifiers.h"
+#include "sdk/ISignalMgr.h"
+
+namespace Galley {
+
+namespace {
+
+class DocumentSignal : public ISignalMgr, public IDocumentSignalData {
+public:
+    DocumentSignal(ServiceID service, IDocument* document)
+        : service_(service), document_(document) {}
+    ServiceID GetServiceID() const override { return service_; }
+    IDocumentSignalData* GetDocumentSignalData() const override {
+        return const_cast<DocumentSignal*>(this);
+    }
+    IDocument* GetDocument() const override { return document_; }
+
+private:
+    ServiceID service_;
+    IDocument* document_;
+};
+
+// A font-list update waits this long on the watch when nothing has changed yet: one tick.
+constexpr int changeWaitMilliseconds = 16;
+
+} // namespace
+
+DocumentHub::DocumentHub(EventLoop& events, MainLoop& loop, GalleySession& session,
+                         Presenter& presenter, PluginCalls& calls, Responders responders,
+                         bool watchFontFolders)
+    : loop_(loop), session_(session), presenter_(presenter), calls_(calls),
+      responders_(std::move(responders)) {
+    if (watchFontFolders)
+        this->watchFontFolders(events);
+}
+
+DocumentHub::~DocumentHub() {
+    session_.fonts().setChangeWait(nullptr);
+}
+
+void DocumentHub::watchFontFolders(EventLoop& events) {
+    try {
+        fontWatch_ = std::make_unique<FontFolderWatch>(events, [this] {
+            // Coalesced: one reload however many events a burst of links brought.
+            if (!fontChangePending_) {
+                fontChangePending_ = true;
+                loop_.post([this] { fontFoldersChanged(); });
+            }
+        });
+        refreshFontWatch();
+        session_.fonts().setChangeWait([this] {
+            if (fontWatch_)
+                fontWatch_->waitForChange(changeWaitMilliseconds);
+        });
+    } catch (const std::exception& error) {
+        presenter_.status(std::string(error.what()) +
+                          "; fonts activated while Galley runs are seen only when the font list "
+                          "is updated");
+    }
+}
+
+void DocumentHub::refreshFontWatch() {
+    if (fontWatch_)
+        fontWatch_->watch(session_.fonts().source().watchedFolders());
+}
+
+bool DocumentHub::fontChangesPending() const {
+    return fontChangePending_ || (fontWatch_ && fontWatch_->waitForChange(0));
+}
+
+void DocumentHub::fontFoldersChanged() {
+    fontChangePending_ = false;
+    // The font manager announces the change to its observers (plug-ins among them).
+    calls_.guarded("", "the font-system change", [&] { session_.fonts().UpdateFontList(); });
+    refreshFontWatch();
+}
+
+IdmlDocument& DocumentHub::open(const std::string& path) {
+    auto opened = IdmlDocument::open(path, session_.fonts());
+    document_ = std::move(opened);
+    // Shown first, so that the plug-ins' dialogs come up in front of the document.
+    presenter_.documentChanged(*document_);
+    sendSignal(kAfterOpenDocSignalResponderService, document_.get());
+    return *document_;
+}
+
+void DocumentHub::close() {
+    document_.reset();
+}
+
+void DocumentHub::sendSignal(ServiceID service, IDocument* document) {
+    DocumentSignal signal(service, document);
+    responders_(service, signal);
+}
+
+IDocument* DocumentHub::GetFrontDocument() const {
+    return document_.get();
+}
+
+void DocumentHub::UpdateViews(bool immediately) {
+    auto update = [this] {
+        if (!viewsOutOfDate_)
+            return;
+        viewsOutOfDate_ = false;
+        if (document_) {
+            document_->usage().Update();
+            presenter_.documentChanged(*document_);
+        }
+    };
+    if (immediately)
+        update();
+    else
+        loop_.post(update);
+}
+
+} // namespace Galley

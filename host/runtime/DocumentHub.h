@@ -1,0 +1,72 @@
+#pragma once
+
+#include "sdk/HostHooks.h"
+#include "sdk/IDialog.h"
+#include "sdk/ISession.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+class IDocument;
+class ISignalMgr;
+
+namespace Galley {
+
+class EventLoop;
+class FontFolderWatch;
+class GalleySession;
+class IdmlDocument;
+class MainLoop;
+class PluginCalls;
+class Presenter;
+
+// The open document and what follows it: opening it and signalling the plug-ins, its views,
+// and the font-folder watch that reloads the font list when fonts arrive or go, so that the
+// document's fonts are resolved again.
+class DocumentHub : public ILayoutUIUtils, public IDocumentViews {
+public:
+    // Hands a document signal to the plug-ins' responders.
+    using Responders = std::function<void(ServiceID service, ISignalMgr& signal)>;
+    DocumentHub(EventLoop& events, MainLoop& loop, GalleySession& session, Presenter& presenter,
+                PluginCalls& calls, Responders responders, bool watchFontFolders);
+    ~DocumentHub() override;
+    DocumentHub(const DocumentHub&) = delete;
+    DocumentHub& operator=(const DocumentHub&) = delete;
+
+    // Opens a document and, once it is fully built and shown, sends the after-open signal
+    // to the responders. Throws IdmlError for a document that cannot be read; the document
+    // open before stays then.
+    IdmlDocument& open(const std::string& path);
+    IdmlDocument* front() const { return document_.get(); }
+    void close();
+    void sendSignal(ServiceID service, IDocument* document);
+
+    // Processes font-folder changes now (as the watch would).
+    void fontFoldersChanged();
+    // True while a change of the font folders waits to be processed: what the dialogs show
+    // is about to change.
+    bool fontChangesPending() const;
+
+    // ILayoutUIUtils
+    IDocument* GetFrontDocument() const override;
+    // IDocumentViews: the open document's font usage is read again (and shown again).
+    void InvalidateAllViews() override { viewsOutOfDate_ = true; }
+    void UpdateViews(bool immediately) override;
+
+private:
+    void watchFontFolders(EventLoop& events);
+    void refreshFontWatch();
+
+    MainLoop& loop_;
+    GalleySession& session_;
+    Presenter& presenter_;
+    PluginCalls& calls_;
+    Responders responders_;
+    std::unique_ptr<FontFolderWatch> fontWatch_;
+    bool fontChangePending_ = false;
+    std::unique_ptr<IdmlDocument> document_;
+    bool viewsOutOfDate_ = false;
+};
+
+} // namespace Galley
