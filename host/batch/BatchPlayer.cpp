@@ -1,5 +1,7 @@
 #include "host/batch/BatchPlayer.h"
 
+#include "foundation/AsciiCase.h"
+
 #include "host/batch/TerminalPresenter.h"
 #include "host/dialogs/Dialog.h"
 #include "host/dialogs/DialogText.h"
@@ -16,12 +18,6 @@ namespace Galley {
 namespace {
 
 constexpr auto quietPeriod = std::chrono::seconds(1);
-
-std::string lowered(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 std::string joined(const std::vector<std::string>& items) {
     if (items.empty())
@@ -197,8 +193,8 @@ void BatchPlayer::press(Dialog& dialog, const std::string& button) {
         if (widget.kind() != Widget::Kind::button || !widget.IsVisible())
             return;
         known.push_back(widget.GetName() + " (\"" + widget.displayText() + "\")");
-        if (!found &&
-            (widget.GetName() == button || lowered(widget.displayText()) == lowered(button)))
+        if (!found && (widget.GetName() == button ||
+                       AsciiCase::lowered(widget.displayText()) == AsciiCase::lowered(button)))
             found = &widget;
     });
     if (!found)

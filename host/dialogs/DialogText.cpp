@@ -1,5 +1,7 @@
 #include "host/dialogs/DialogText.h"
 
+#include "foundation/AsciiCase.h"
+
 #include "host/dialogs/Dialog.h"
 
 #include <algorithm>
@@ -43,8 +45,12 @@ void renderWidget(Widget& widget, std::vector<std::string>& lines, std::string& 
     case Kind::button: {
         const std::string caption =
             widget.displayText().empty() ? widget.GetName() : widget.displayText();
-        buttons += (buttons.empty() ? "" : " ") +
-                   (widget.IsEnabled() ? "[" + caption + "]" : "(" + caption + ")");
+        // Appended piece by piece: GCC 12 warns falsely (-Wrestrict) of "literal" + string.
+        if (!buttons.empty())
+            buttons += ' ';
+        buttons += widget.IsEnabled() ? '[' : '(';
+        buttons += caption;
+        buttons += widget.IsEnabled() ? ']' : ')';
         return;
     }
     case Kind::progressBar:
@@ -90,8 +96,10 @@ std::string renderProgressBar(const Widget& bar, int width) {
     const int filled = range == 0 ? 0 : value * width / range;
     // Only the bar: the counts are the dialog's to say in its own words (its range before
     // the first update is a placeholder a user should not read as a count).
-    return "[" + std::string(static_cast<std::size_t>(filled), '#') +
-           std::string(static_cast<std::size_t>(width - filled), '.') + "]";
+    std::string text = "[";
+    text.append(static_cast<std::size_t>(filled), '#');
+    text.append(static_cast<std::size_t>(width - filled), '.');
+    return text += ']';
 }
 
 namespace {
@@ -108,7 +116,7 @@ std::string headerOf(const std::string& name) {
     for (char c : name) {
         if (std::isupper(static_cast<unsigned char>(c)) && !header.empty()) {
             header += ' ';
-            header += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            header += AsciiCase::lower(c);
         } else {
             header += c;
         }

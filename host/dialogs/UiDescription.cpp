@@ -55,10 +55,14 @@ public:
     explicit Reader(std::string file) : file_(std::move(file)) {}
 
     [[noreturn]] void fail(xmlNode* node, const std::string& why) const {
-        std::string where = file_;
-        if (node)
-            where += ":" + std::to_string(xmlGetLineNo(node));
-        throw std::runtime_error("dialog description " + where + ": " + why);
+        std::string message = "dialog description ";
+        message += file_;
+        if (node) {
+            message += ':';
+            message += std::to_string(xmlGetLineNo(node));
+        }
+        message += ": ";
+        throw std::runtime_error(message += why);
     }
 
     WidgetSpec widget(xmlNode* node, bool topLevel) const {

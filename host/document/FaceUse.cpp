@@ -1,5 +1,7 @@
 #include "host/document/FaceUse.h"
 
+#include "foundation/AsciiCase.h"
+
 #include "host/document/FontUsage.h"
 #include "host/document/IdmlDocument.h"
 
@@ -13,13 +15,6 @@ namespace {
 
 std::string keyText(const FontKey& key) {
     return key.family + '\n' + key.style;
-}
-
-bool equalIgnoringCase(const std::string& a, const std::string& b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) ==
-                      std::tolower(static_cast<unsigned char>(y));
-           });
 }
 
 } // namespace
@@ -75,7 +70,7 @@ std::vector<FontKey> facesNamed(IdmlDocument& document, const std::string& name)
     const FontResolver& resolver = document.resolver();
     for (bool exact : {true, false}) {
         const auto same = [&](const std::string& a) {
-            return exact ? a == name : equalIgnoringCase(a, name);
+            return exact ? a == name : AsciiCase::equal(a, name);
         };
         std::vector<FontKey> found;
         for (const auto* list : {&document.usage().missing(), &document.usage().used()}) {
@@ -111,8 +106,8 @@ std::string missingFontsLine(const std::vector<FaceUse>& uses, bool* onlyInStyle
         *onlyInStyles = styled;
     if (missing == 0)
         return "every font is installed";
-    return std::to_string(missing) + (missing == 1 ? " font is" : " fonts are") + " missing:" +
-           names;
+    return std::to_string(missing) + (missing == 1 ? " font is" : " fonts are") +
+           " missing:" + names;
 }
 
 } // namespace Galley

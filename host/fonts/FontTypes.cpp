@@ -1,5 +1,7 @@
 #include "host/fonts/FontTypes.h"
 
+#include "foundation/AsciiCase.h"
+
 #include <algorithm>
 #include <cctype>
 
@@ -9,10 +11,7 @@ namespace {
 
 std::string lowerExtension(const std::string& file) {
     auto dot = file.rfind('.');
-    std::string extension = dot == std::string::npos ? "" : file.substr(dot + 1);
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return extension;
+    return AsciiCase::lowered(dot == std::string::npos ? "" : file.substr(dot + 1));
 }
 
 } // namespace

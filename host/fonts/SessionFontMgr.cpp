@@ -1,5 +1,7 @@
 #include "host/fonts/SessionFontMgr.h"
 
+#include "foundation/AsciiCase.h"
+
 #include "sdk/HostIdentifiers.h"
 
 #include <algorithm>
@@ -10,16 +12,9 @@ namespace Galley {
 
 namespace {
 
-bool sameIgnoringCase(const std::string& a, const std::string& b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) ==
-                      std::tolower(static_cast<unsigned char>(y));
-           });
-}
-
 bool anyMatches(const std::vector<std::string>& names, const std::string& wanted) {
     return std::any_of(names.begin(), names.end(),
-                       [&](const std::string& name) { return sameIgnoringCase(name, wanted); });
+                       [&](const std::string& name) { return AsciiCase::equal(name, wanted); });
 }
 
 int formatRank(IPMFont::FontType type) {
@@ -128,7 +123,7 @@ IPMFont* SessionFontMgr::QueryFont(const PMString& name) const {
         return findByFamilyAndStyle(text.substr(0, tab), text.substr(tab + 1),
                                     IPMFont::kUnknownFontType);
     if (InstalledFont* full = best(current_, IPMFont::kUnknownFontType, [&](const auto& face) {
-            return sameIgnoringCase(face.fullName, text);
+            return AsciiCase::equal(face.fullName, text);
         }))
         return full;
     // "Family Style", where fontconfig's full name says something else ("DejaVu Serif" for
@@ -167,7 +162,7 @@ InstalledFamily* SessionFontMgr::familyNamed(const std::string& name) const {
             return family;
     }
     for (InstalledFamily* family : currentFamilies_) {
-        if (sameIgnoringCase(family->name(), name))
+        if (AsciiCase::equal(family->name(), name))
             return family;
     }
     return nullptr;

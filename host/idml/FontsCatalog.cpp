@@ -1,5 +1,7 @@
 #include "host/idml/FontsCatalog.h"
 
+#include "host/idml/XmlEscape.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -62,38 +64,6 @@ void walk(const xmlNode* node, std::vector<CatalogFont>& out,
     }
 }
 
-std::string escape(const std::string& text) {
-    std::string out;
-    for (char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        case '\t':
-            out += "&#9;";
-            break;
-        case '\n':
-            out += "&#10;";
-            break;
-        case '\r':
-            out += "&#13;";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
-}
-
 } // namespace
 
 FontsCatalog FontsCatalog::parse(xmlDoc* doc) {
@@ -129,14 +99,14 @@ std::string FontsCatalog::write(const std::vector<CatalogFont>& fonts,
     }
     for (std::size_t f = 0; f < families.size(); ++f) {
         std::string familyId = "dFontFamily" + std::to_string(f + 1);
-        xml += "\t<FontFamily Self=\"" + familyId + "\" Name=\"" + escape(families[f]) + "\">\n";
+        xml += "\t<FontFamily Self=\"" + familyId + "\" Name=\"" + xmlEscape(families[f]) + "\">\n";
         for (const CatalogFont* face : faces[families[f]]) {
             const CatalogFont& font = *face;
-            xml += "\t\t<Font Self=\"" + familyId + "Font" + escape(font.style) +
-                   "\" FontFamily=\"" + escape(font.family) + "\" Name=\"" +
-                   escape(font.family + "\t" + font.style) + "\" PostScriptName=\"" +
-                   escape(font.postscriptName) + "\" Status=\"Installed\" FontStyleName=\"" +
-                   escape(font.style) + "\" FontType=\"" + fontTypeToIdml(font.type) + "\"/>\n";
+            xml += "\t\t<Font Self=\"" + familyId + "Font" + xmlEscape(font.style) +
+                   "\" FontFamily=\"" + xmlEscape(font.family) + "\" Name=\"" +
+                   xmlEscape(font.family + "\t" + font.style) + "\" PostScriptName=\"" +
+                   xmlEscape(font.postscriptName) + "\" Status=\"Installed\" FontStyleName=\"" +
+                   xmlEscape(font.style) + "\" FontType=\"" + fontTypeToIdml(font.type) + "\"/>\n";
         }
         xml += "\t</FontFamily>\n";
     }
@@ -155,12 +125,12 @@ std::string FontsCatalog::writeComposites() const {
     std::string xml;
     for (std::size_t c = 0; c < names.size(); ++c) {
         std::string self = "dCompositeFont" + std::to_string(c + 1);
-        xml += "\t<CompositeFont Self=\"" + self + "\" Name=\"" + escape(*names[c]) + "\">\n";
+        xml += "\t<CompositeFont Self=\"" + self + "\" Name=\"" + xmlEscape(*names[c]) + "\">\n";
         const auto& faces = composites_.at(*names[c]);
         for (std::size_t e = 0; e < faces.size(); ++e)
             xml += "\t\t<CompositeFontEntry Self=\"" + self + "Entry" + std::to_string(e) +
-                   "\" AppliedFont=\"" + escape(faces[e].family) + "\" FontStyle=\"" +
-                   escape(faces[e].style) + "\"/>\n";
+                   "\" AppliedFont=\"" + xmlEscape(faces[e].family) + "\" FontStyle=\"" +
+                   xmlEscape(faces[e].style) + "\"/>\n";
         xml += "\t</CompositeFont>\n";
     }
     return xml;

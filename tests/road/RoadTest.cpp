@@ -32,9 +32,11 @@ public:
         std::ofstream(root + "/fonts.conf")
             << "<?xml version=\"1.0\"?>\n<fontconfig><dir>/usr/share/fonts/truetype/dejavu</dir>"
                "<dir>/usr/share/fonts/type1/urw-base35</dir><dir>"
-            << session.dataHome() << "/fonts</dir><cachedir>" << root << "/fc-cache</cachedir></fontconfig>\n";
+            << session.dataHome() << "/fonts</dir><cachedir>" << root
+            << "/fc-cache</cachedir></fontconfig>\n";
         setenv("FONTCONFIG_FILE", (root + "/fonts.conf").c_str(), 1);
-        fs::copy_file(texGyre + "/texgyrepagella-regular.otf", root + "/extra/texgyrepagella-regular.otf");
+        fs::copy_file(texGyre + "/texgyrepagella-regular.otf",
+                      root + "/extra/texgyrepagella-regular.otf");
         ready = vellumine({"add", texGyre, root + "/extra"}) == 0;
     }
     ~World() { unsetenv("FONTCONFIG_FILE"); }
@@ -48,28 +50,36 @@ public:
     // Starts a program that owns the font manager's name, and waits until it does.
     bool serve(const std::vector<std::string>& program) {
         session.spawn(program);
-        return VlmTest::waitFor([&] { return statusOfVellumine().find("is owned") != std::string::npos; });
+        return VlmTest::waitFor(
+            [&] { return statusOfVellumine().find("is owned") != std::string::npos; });
     }
-    std::unique_ptr<VLMTest::ProgramRun> galley(const std::string& document, std::vector<std::string> actions,
-                                                int timeout = 10) {
-        std::vector<std::string> arguments = {GALLEY_EXECUTABLE, "--batch", document, "--timeout", std::to_string(timeout)};
+    std::unique_ptr<VLMTest::ProgramRun>
+    galley(const std::string& document, std::vector<std::string> actions, int timeout = 10) {
+        std::vector<std::string> arguments = {GALLEY_EXECUTABLE, "--batch", document, "--timeout",
+                                              std::to_string(timeout)};
         arguments.insert(arguments.end(), actions.begin(), actions.end());
-        return std::make_unique<VLMTest::ProgramRun>(arguments, session.root() + "/galley" + std::to_string(runs++));
+        return std::make_unique<VLMTest::ProgramRun>(arguments, session.root() + "/galley" +
+                                                                    std::to_string(runs++));
     }
     std::string statusOfVellumine() {
-        VLMTest::ProgramRun run({VELLUMINE_EXECUTABLE, "status"}, session.root() + "/status" + std::to_string(runs++));
+        VLMTest::ProgramRun run({VELLUMINE_EXECUTABLE, "status"},
+                                session.root() + "/status" + std::to_string(runs++));
         run.wait();
         return run.output();
     }
     // A document written here: `fonts` are "Family|Style|PostScriptName" entries, one run each.
-    std::string document(const std::string& name, const std::vector<std::string>& fonts, const std::string& dom = "8.0") {
+    std::string document(const std::string& name, const std::vector<std::string>& fonts,
+                         const std::string& dom = "8.0") {
         std::string description = "dom " + dom + "\n";
         std::string story = "story\npara\n";
         for (const auto& font : fonts) {
             const auto bar = font.find('|'), bar2 = font.rfind('|');
-            const std::string family = font.substr(0, bar), style = font.substr(bar + 1, bar2 - bar - 1);
-            description += "font \"" + family + "\" \"" + style + "\" " + font.substr(bar2 + 1) + " OpenTypeCFF\n";
-            story += "run font=\"" + family + "\" style=\"" + style + "\" text=\"Set in " + family + ".\\n\"\n";
+            const std::string family = font.substr(0, bar),
+                              style = font.substr(bar + 1, bar2 - bar - 1);
+            description += "font \"" + family + "\" \"" + style + "\" " + font.substr(bar2 + 1) +
+                           " OpenTypeCFF\n";
+            story += "run font=\"" + family + "\" style=\"" + style + "\" text=\"Set in " + family +
+                     ".\\n\"\n";
         }
         const std::string path = session.root() + "/" + name + ".idml";
         IdmlTestKit::writeIdml(IdmlTestKit::parseDescription(description + story), path);
@@ -110,18 +120,67 @@ TEST(RoadCases, EndsAsTheFontManagersAnswerSays) {
     const auto launcher = [](World& w) { w.installLauncher(); };
     const std::vector<Case> cases = {
         {"nothing missing", {dejaVu}, {}, launcher, 0, {}, ""},
-        {"everything supplied", {heros, dejaVu}, {}, launcher, 0,
-         {"== Activating Fonts ==", "== Activating Fonts (closed) =="}, ""},
-        {"a choice to make", {pagella}, {}, launcher, 1, {"== Missing Fonts ==", "Several matches", "(cancelled)"}, ""},
-        {"the user chooses a candidate", {pagella}, {"select", "TeXGyrePagella-Regular/2", "press", "Activate"}, launcher, 0,
-         {"== Missing Fonts ==", "> press Activate", "== Missing Fonts (closed) =="}, ""},
-        {"not in the library", {imaginary}, {}, launcher, 1, {"== Missing Fonts ==", "Not in library"}, ""},
-        {"no font manager installed", {heros}, {}, [](World&) {}, 1, {}, "Vellumine could not be found"},
-        {"an old protocol", {heros}, {},
-         [](World& w) { ASSERT_TRUE(w.serve({VELLUMINE_EXECUTABLE, "serve", "--protocol-version", "1.5"})); }, 1, {}, ""},
-        {"a converted document", {heros}, {}, launcher, 1, {}, "converted from an older version", "6.0"},
-        {"a reply that is no XML", {heros}, {},
-         [](World& w) { ASSERT_TRUE(w.serve({VLM_TEST_BUS_PEER, "org.vellumine.Vellumine", "--class", "VLMQ"})); }, 1, {},
+        {"everything supplied",
+         {heros, dejaVu},
+         {},
+         launcher,
+         0,
+         {"== Activating Fonts ==", "== Activating Fonts (closed) =="},
+         ""},
+        {"a choice to make",
+         {pagella},
+         {},
+         launcher,
+         1,
+         {"== Missing Fonts ==", "Several matches", "(cancelled)"},
+         ""},
+        {"the user chooses a candidate",
+         {pagella},
+         {"select", "TeXGyrePagella-Regular/2", "press", "Activate"},
+         launcher,
+         0,
+         {"== Missing Fonts ==", "> press Activate", "== Missing Fonts (closed) =="},
+         ""},
+        {"not in the library",
+         {imaginary},
+         {},
+         launcher,
+         1,
+         {"== Missing Fonts ==", "Not in library"},
+         ""},
+        {"no font manager installed",
+         {heros},
+         {},
+         [](World&) {},
+         1,
+         {},
+         "Vellumine could not be found"},
+        {"an old protocol",
+         {heros},
+         {},
+         [](World& w) {
+             ASSERT_TRUE(w.serve({VELLUMINE_EXECUTABLE, "serve", "--protocol-version", "1.5"}));
+         },
+         1,
+         {},
+         ""},
+        {"a converted document",
+         {heros},
+         {},
+         launcher,
+         1,
+         {},
+         "converted from an older version",
+         "6.0"},
+        {"a reply that is no XML",
+         {heros},
+         {},
+         [](World& w) {
+             ASSERT_TRUE(
+                 w.serve({VLM_TEST_BUS_PEER, "org.vellumine.Vellumine", "--class", "VLMQ"}));
+         },
+         1,
+         {},
          "parse"},
     };
     for (const auto& c : cases) {
@@ -135,15 +194,21 @@ TEST(RoadCases, EndsAsTheFontManagersAnswerSays) {
         std::size_t at = 0;
         for (const auto& text : c.shown) {
             at = out.find(text, at);
-            EXPECT_NE(at, std::string::npos) << c.name << ": \"" << text << "\" not shown in order:\n" << out;
+            EXPECT_NE(at, std::string::npos)
+                << c.name << ": \"" << text << "\" not shown in order:\n"
+                << out;
         }
-        if (c.shown.empty())
-            EXPECT_EQ(out.find("=="), std::string::npos) << c.name << ": no dialog expected:\n" << out;
+        if (c.shown.empty()) {
+            EXPECT_EQ(out.find("=="), std::string::npos) << c.name << ": no dialog expected:\n"
+                                                         << out;
+        }
         // Alerts are the lines that start with the document's name.
-        const auto alert = err.rfind("\ndoc.idml: ", err.size()) != std::string::npos || err.rfind("doc.idml: ", 0) == 0;
+        const auto alert = err.rfind("\ndoc.idml: ", err.size()) != std::string::npos ||
+                           err.rfind("doc.idml: ", 0) == 0;
         EXPECT_EQ(alert, !c.alert.empty()) << c.name << ":\n" << err;
-        if (!c.alert.empty())
+        if (!c.alert.empty()) {
             EXPECT_NE(err.find(c.alert), std::string::npos) << c.name << ":\n" << err;
+        }
     }
 }
 
@@ -155,7 +220,8 @@ TEST_F(Road, AFontManagerThatDiesLeavesTheProgressDialogToTheTimeOutAndTheDocume
         << "<?xml version=\"1.0\"?>\n<fontconfig><dir>/usr/share/fonts/truetype/dejavu</dir><cachedir>"
         << session.root() << "/fc-cache</cachedir></fontconfig>\n";
     const pid_t server = session.spawn({VELLUMINE_EXECUTABLE, "serve"});
-    ASSERT_TRUE(VlmTest::waitFor([&] { return statusOfVellumine().find("owned") != std::string::npos; }));
+    ASSERT_TRUE(
+        VlmTest::waitFor([&] { return statusOfVellumine().find("owned") != std::string::npos; }));
     const std::string path = document("brochure", {heros, dejaVu});
     const std::string before = bytesOf(path);
     auto run = galley(path, {}, 3);
@@ -168,8 +234,8 @@ TEST_F(Road, AFontManagerThatDiesLeavesTheProgressDialogToTheTimeOutAndTheDocume
 
 TEST_F(Road, ShowAndBuyReachTheFontManager) {
     installLauncher();
-    auto run = galley(document("choice", {pagella}),
-                      {"select", "TeXGyrePagella-Regular", "press", "Show in Vellumine", "press", "Buy…"});
+    auto run = galley(document("choice", {pagella}), {"select", "TeXGyrePagella-Regular", "press",
+                                                      "Show in Vellumine", "press", "Buy…"});
     EXPECT_EQ(run->wait(), 1) << run->errors();
     const std::string status = statusOfVellumine();
     const auto shown = status.find("asked to show"), wished = status.find("wish list");
@@ -183,8 +249,9 @@ TEST_F(Road, AReplacementIsSavedAsANewPackageAndTheOriginalStaysAsItWas) {
     const std::string original = document("imaginary", {imaginary, dejaVu});
     const std::string before = bytesOf(original);
     const std::string saved = session.root() + "/replaced.idml";
-    auto run = galley(original, {"select", "ImaginarySerif-Regular", "press", "Replace…", "pick", "DejaVu Sans Bold",
-                                 "press", "OK", "press", "OK", "save-as", saved});
+    auto run =
+        galley(original, {"select", "ImaginarySerif-Regular", "press", "Replace…", "pick",
+                          "DejaVu Sans Bold", "press", "OK", "press", "OK", "save-as", saved});
     EXPECT_EQ(run->wait(), 0) << run->output() << run->errors();
     EXPECT_EQ(bytesOf(original), before);
 
@@ -194,8 +261,9 @@ TEST_F(Road, AReplacementIsSavedAsANewPackageAndTheOriginalStaysAsItWas) {
     const auto a = Galley::IdmlPackage::read(original), b = Galley::IdmlPackage::read(saved);
     for (const auto& part : a.partNames()) {
         const bool changes = part.rfind("Stories/", 0) == 0 || part == "Resources/Fonts.xml";
-        if (!changes)
+        if (!changes) {
             EXPECT_EQ(a.inflate(part), b.inflate(part)) << part;
+        }
     }
 }
 

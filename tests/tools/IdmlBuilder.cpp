@@ -1,5 +1,7 @@
 #include "IdmlBuilder.h"
 
+#include "host/idml/XmlEscape.h"
+
 #include <zip.h>
 
 #include <algorithm>
@@ -17,32 +19,10 @@ std::string storyPartName(std::size_t index) {
     return "Stories/Story_u" + std::to_string(index + 1) + ".xml";
 }
 
-std::string escape(const std::string& text) {
-    std::string out;
-    out.reserve(text.size());
-    for (char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
-}
+using Galley::xmlEscape;
 
 std::string attr(const std::string& name, const std::string& value) {
-    return " " + name + "=\"" + escape(value) + "\"";
+    return " " + name + "=\"" + xmlEscape(value) + "\"";
 }
 
 // What exporting applications write beside the fonts, which a reader must step over.
@@ -59,9 +39,10 @@ std::pair<std::string, std::string> fontMarkup(const FontAttrs& attrs, const std
     std::string attributes, properties = noise ? kStyleNoiseProperties : "";
     if (attrs.inProperties) {
         if (attrs.font)
-            properties += "<AppliedFont type=\"string\">" + escape(*attrs.font) + "</AppliedFont>";
+            properties +=
+                "<AppliedFont type=\"string\">" + xmlEscape(*attrs.font) + "</AppliedFont>";
         if (attrs.style)
-            properties += "<FontStyle type=\"string\">" + escape(*attrs.style) + "</FontStyle>";
+            properties += "<FontStyle type=\"string\">" + xmlEscape(*attrs.style) + "</FontStyle>";
     } else {
         if (attrs.font)
             attributes += attr("AppliedFont", *attrs.font);
@@ -70,7 +51,7 @@ std::pair<std::string, std::string> fontMarkup(const FontAttrs& attrs, const std
     }
     if (!basedOn.empty())
         properties += std::string("<BasedOn type=\"") + (byName ? "string" : "object") + "\">" +
-                      escape(basedOn) + "</BasedOn>";
+                      xmlEscape(basedOn) + "</BasedOn>";
     return {attributes, properties.empty() ? "" : "<Properties>" + properties + "</Properties>"};
 }
 
@@ -188,7 +169,7 @@ std::string withReferences(const std::string& text) {
         unsigned char lead = static_cast<unsigned char>(text[i]);
         std::size_t length = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
         if (length == 1 && lead != '&') {
-            xml += escape(std::string(1, text[i]));
+            xml += xmlEscape(std::string(1, text[i]));
         } else {
             unsigned long code = length == 1 ? lead : lead & (0x7F >> length);
             for (std::size_t k = 1; k < length; ++k)
@@ -209,8 +190,8 @@ std::string content(const std::string& text, bool references) {
         end = std::min(text.find('\n', from), text.size());
         std::string piece = text.substr(from, end - from);
         if (end > from)
-            xml +=
-                "<Content>" + (references ? withReferences(piece) : escape(piece)) + "</Content>";
+            xml += "<Content>" + (references ? withReferences(piece) : xmlEscape(piece)) +
+                   "</Content>";
         if (end < text.size())
             xml += "<Br/>";
     }
