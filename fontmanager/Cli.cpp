@@ -397,8 +397,7 @@ int setCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
     }
     const auto paths = LibraryPaths::fromEnvironment();
     const bool reads = verb == "list" || verb == "show";
-    const auto catalog =
-        reads ? openForReading(paths) : openForWriting(paths, errors);
+    const auto catalog = reads ? openForReading(paths) : openForWriting(paths, errors);
     Activation activation(*catalog, paths.activationFolder());
     LibraryChanges changes(*catalog);
     FaceSets sets(*catalog, activation, changes);

@@ -5,11 +5,11 @@
 #include "PrivateSession.h"
 #include "tests/support/FontRecords.h"
 
-#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "link/NotifiyHandlerFactory.h"
 #include "link/VLMController.h"
 #include "link/VLMFontActivateEvent.h"
