@@ -124,7 +124,7 @@ int addCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
     out << report.facesAdded << " face(s) added, " << report.facesKnown << " already known, "
         << report.filesSkipped << " file(s) skipped\n";
     if (report.facesAdded > 0 || report.facesKnown > 0) {
-        LibraryChanges(catalog).announce(ChangeKind::libraryFilesChanged);
+        LibraryChanges(catalog).warnTo(errors).announce(ChangeKind::libraryFilesChanged);
     }
     return report.missingPaths ? 1 : 0;
 }
@@ -225,7 +225,7 @@ int changeActivation(const Arguments& arguments, std::ostream& out, std::ostream
         }
     }
     if (changed) {
-        LibraryChanges(catalog).announce(ChangeKind::activeFontsChanged);
+        LibraryChanges(catalog).warnTo(errors).announce(ChangeKind::activeFontsChanged);
     }
     return failed ? 1 : 0;
 }
@@ -316,7 +316,7 @@ int checkCommand(const Arguments& arguments, std::ostream& out, std::ostream& er
         out << "repaired: " << field(repaired) << "\n";
     }
     if (!report.repairs.empty()) {
-        LibraryChanges(*catalog).announce(ChangeKind::activeFontsChanged);
+        LibraryChanges(*catalog).warnTo(errors).announce(ChangeKind::activeFontsChanged);
     }
     out << report.problems.size() << " problem(s)"
         << (repair ? ", " + std::to_string(report.repairs.size()) + " repaired" : "") << "\n";

@@ -3,6 +3,7 @@
 #include "fontmanager/Catalog.h"
 
 #include <functional>
+#include <ostream>
 #include <string>
 
 namespace Vellumine {
@@ -30,11 +31,20 @@ public:
     // Posts through the platform's named notifications unless given another poster.
     explicit LibraryChanges(Catalog& catalog, Poster poster = {});
 
+    // Where to warn, once, that the notification cannot be posted: applications then never
+    // hear of the changes. Without it the failure is only logged.
+    LibraryChanges& warnTo(std::ostream& out) {
+        warnings = &out;
+        return *this;
+    }
+
     void announce(const std::string& kind);
 
 private:
     Catalog& catalog;
     Poster poster;
+    std::ostream* warnings = nullptr;
+    bool warned = false;
 };
 
 } // namespace Vellumine

@@ -193,6 +193,7 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
     reconcile(catalog, paths);
     Activation activation(catalog, paths.activationFolder());
     LibraryChanges changes(catalog);
+    changes.warnTo(errors);
     std::unique_ptr<BusDesktop> desktop;
     TemporaryActivation temporary(
         catalog, activation, changes,

@@ -1,5 +1,6 @@
 #include "link/MacVLMNotifyHandler.h"
 
+#include "foundation/Logger.h"
 #include "link/ProtocolConstants.h"
 #include "link/ReplyText.h"
 #include "platform/Platform.h"
@@ -54,7 +55,9 @@ int MacVLMNotifyHandler::HandleEvent(const Platform::AppEvent& event, std::strin
 }
 
 // A failed send is retried after half a second, up to maxSendAttempts times; a reply
-// without text ends the exchange after one wait. Nothing leaves this function but text.
+// without text ends the exchange after one wait, and one past the font manager's limits
+// ends it empty. What one attempt may cost is bounded below, by the platform's send.
+// Nothing leaves this function but text.
 std::string MacVLMNotifyHandler::SendToVlm(const std::string& message) {
     const Platform::Services& platform = Platform::services();
     if (platform.appEvents == nullptr || platform.clock == nullptr) {
@@ -75,6 +78,13 @@ std::string MacVLMNotifyHandler::SendToVlm(const std::string& message) {
             }
             if (reply.empty()) {
                 platform.clock->delay(retryDelayTicks);
+                break;
+            }
+            // Refused at once and not asked again: the same request would bring the same
+            // reply back.
+            if (std::string why; !withinReplyLimits(reply, why)) {
+                Logger::log("VLMController-send", "reply refused: " + why, 0);
+                platform.appEvents->reportRefusedReply(vellumineSignature, why);
                 break;
             }
             result = joinReplyLines(reply);

@@ -25,10 +25,15 @@ class AppEvents {
 public:
     virtual ~AppEvents() = default;
 
-    // Sends the event to the application with `signature` and blocks for its reply.
-    // Status::notRunning when it does not run, Status::timeout, Status::notHandled, or
-    // Status::transportError.
+    // Sends the event to the application with `signature` and blocks for its reply, for a
+    // bounded time. Status::notRunning when it does not run, Status::timeout,
+    // Status::notHandled, Status::replyTooLarge, or Status::transportError.
     virtual int send(const std::string& signature, const AppEvent& event, std::string& reply) = 0;
+
+    // Tells the user that a reply of the application with `signature` was refused, and
+    // `why`; once per running instance of it. For checks the caller makes of a reply's
+    // content; send() reports what it refuses itself. By default nobody is told.
+    virtual void reportRefusedReply(const std::string& /*signature*/, const std::string& /*why*/) {}
 
     // Installs a handler for a class and ID (anyEventID for all IDs of the class); a second
     // install for the same class and ID replaces the first. Handlers run on the thread that

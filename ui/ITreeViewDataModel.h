@@ -17,7 +17,7 @@ public:
     virtual int32 GetChildCount(const TreeViewDataNode* node) const = 0;
     virtual TreeViewDataNode* GetNthChildNode(const TreeViewDataNode* node,
                                               long position) const = 0;
-    // The first position of `child` among `parent`'s children, by identity; -1 if none.
+    // The position of `child` among `parent`'s children, by identity; -1 if none.
     virtual int32 GetChildIndexFor(const TreeViewDataNode* parent,
                                    const TreeViewDataNode* child) const = 0;
     virtual void Rebuild() = 0;

@@ -40,10 +40,11 @@ int32 TreeViewDataModel::GetChildIndexFor(const TreeViewDataNode* parent,
                                           const TreeViewDataNode* child) const {
     if (!parent || !child)
         return -1;
-    for (int32 position = 0; position < parent->ChildCount(); ++position)
-        if (parent->GetNthChild(position) == child)
-            return position;
-    return -1;
+    const int32 position = child->GetPositionInParent();
+    return position >= 0 && position < parent->ChildCount() &&
+                   parent->GetNthChild(position) == child
+               ? position
+               : -1;
 }
 
 TreeViewDataNode* TreeViewDataModel::newNode(const Tamrik::SmartPointer<VLMFontInfo>& record,
@@ -74,7 +75,9 @@ void TreeViewDataModel::Rebuild() {
         if (record->hasTypeMatching) {
             const auto matches = record->font.fontInfo;
             for (const auto& match : matches) {
-                font->AddChild(newNode(record, 3, font, counter, match.first));
+                TreeViewDataNode* candidate = newNode(record, 3, font, counter, match.first);
+                candidate->SetDescription(match.second);
+                font->AddChild(candidate);
                 ++counter;
             }
         }

@@ -41,15 +41,9 @@ void showFont(IControlView* row, const VLMFontInfo& font) {
     status->SetTextColor(FontRowStatus::colour(font));
 }
 
-// A match row names the font manager's face: the description it gave for the container.
-void showMatch(IControlView* row, const VLMFontInfo& font, const std::string& container) {
-    std::string description = container;
-    for (const auto& match : font.font.fontInfo)
-        if (match.first == container) {
-            description = match.second;
-            break;
-        }
-    setText(row, kRowNameWidgetID, description);
+// A match row names the font manager's face: the description it gave of that candidate.
+void showMatch(IControlView* row, const VLMFontInfo& font, const TreeViewDataNode& candidate) {
+    setText(row, kRowNameWidgetID, candidate.GetDescription());
     setText(row, kRowTechnologyWidgetID, font.getTechnology());
 }
 
@@ -73,6 +67,6 @@ bool VLMTreeViewWidgetMgr::ApplyNodeIDToWidget(const NodeID& node, IControlView*
     if (data->GetLevel() == 2)
         showFont(widget, *record);
     else
-        showMatch(widget, *record, data->GetContainerID());
+        showMatch(widget, *record, *data);
     return true;
 }

@@ -1,17 +1,14 @@
 #include "host/document/DocumentSaver.h"
 
+#include "host/document/AtomicFileWriter.h"
 #include "host/document/IdmlDocument.h"
 #include "host/idml/IdmlError.h"
 
 #include <zip.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
-#include <fstream>
-#include <sstream>
-#include <unistd.h>
+#include <stdexcept>
 #include <unordered_map>
 
 namespace Galley {
@@ -20,16 +17,6 @@ namespace {
 
 constexpr const char* kMimeTypePart = "mimetype";
 constexpr const char* kIdmlMimeType = "application/vnd.adobe.indesign-idml-package";
-
-std::string folderOf(const std::string& path) {
-    auto slash = path.rfind('/');
-    return slash == std::string::npos ? "." : (slash == 0 ? "/" : path.substr(0, slash));
-}
-
-std::string baseName(const std::string& path) {
-    auto slash = path.rfind('/');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
-}
 
 bool sameFile(const std::string& a, const std::string& b) {
     char* realA = ::realpath(a.c_str(), nullptr);
@@ -84,68 +71,56 @@ IdmlPackage::Parts partsToWrite(IdmlDocument& document) {
     return parts;
 }
 
-std::string readWritten(const std::string& path, const std::string& target) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream bytes;
-    bytes << in.rdbuf();
-    if (!in)
-        throw IdmlError(target, "", "cannot read back the written package");
-    return bytes.str();
-}
-
-class TemporaryFile {
-public:
-    explicit TemporaryFile(const std::string& target) {
-        std::string pattern = folderOf(target) + "/." + baseName(target) + ".saving-XXXXXX";
-        int fd = ::mkstemp(pattern.data());
-        if (fd < 0)
-            throw IdmlError(target, "",
-                            std::string("cannot create a temporary file: ") + std::strerror(errno));
-        ::close(fd);
-        path_ = pattern;
+// The package's container, written in memory with the archive library; the file is then
+// written in one go through a descriptor of our own (the library would otherwise write a
+// temporary of its own and rename it, out of reach of the save's mode and lock).
+std::string archiveBytes(const IdmlPackage::Parts& parts, const std::string& target) {
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* buffer = zip_source_buffer_create(nullptr, 0, 0, &error);
+    zip_t* archive = buffer ? zip_open_from_source(buffer, ZIP_TRUNCATE, &error) : nullptr;
+    if (!archive) {
+        std::string reason = zip_error_strerror(&error);
+        zip_error_fini(&error);
+        zip_source_free(buffer);
+        throw IdmlError(target, "", "cannot create the package: " + reason);
     }
-    ~TemporaryFile() {
-        if (!path_.empty())
-            ::unlink(path_.c_str());
-    }
-    const std::string& path() const { return path_; }
-    void release() { path_.clear(); }
-
-private:
-    std::string path_;
-};
-
-void writeZip(const std::string& path, const IdmlPackage::Parts& parts, const std::string& target) {
-    int code = 0;
-    zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &code);
-    if (!archive)
-        throw IdmlError(target, "", "cannot create the package");
+    zip_error_fini(&error);
+    zip_source_keep(buffer); // read back once the archive is closed
+    auto discard = [&](const std::string& part, const std::string& what) {
+        std::string reason = zip_strerror(archive);
+        zip_discard(archive);
+        zip_source_free(buffer);
+        throw IdmlError(target, part, what + reason);
+    };
     for (const PackagePart& part : parts) {
         zip_source_t* source = zip_source_buffer(archive, part.data.data(), part.data.size(), 0);
         zip_int64_t index =
             source ? zip_file_add(archive, part.name.c_str(), source, ZIP_FL_ENC_UTF_8) : -1;
         if (index < 0) {
             zip_source_free(source);
-            std::string reason = zip_strerror(archive);
-            zip_discard(archive);
-            throw IdmlError(target, part.name, "cannot add the part: " + reason);
+            discard(part.name, "cannot add the part: ");
         }
         zip_set_file_compression(archive, index,
                                  part.name == kMimeTypePart ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
     }
-    if (zip_close(archive) != 0) {
-        std::string reason = zip_strerror(archive);
-        zip_discard(archive);
-        throw IdmlError(target, "", "cannot write the package: " + reason);
+    if (zip_close(archive) != 0)
+        discard("", "cannot write the package: ");
+    std::string bytes;
+    zip_stat_t stat;
+    zip_stat_init(&stat);
+    bool read = zip_source_stat(buffer, &stat) == 0 && (stat.valid & ZIP_STAT_SIZE) &&
+                zip_source_open(buffer) == 0;
+    if (read) {
+        bytes.resize(stat.size);
+        read =
+            zip_source_read(buffer, bytes.data(), stat.size) == static_cast<zip_int64_t>(stat.size);
+        zip_source_close(buffer);
     }
-}
-
-void syncPath(const std::string& path, int flags) {
-    int fd = ::open(path.c_str(), flags);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
+    zip_source_free(buffer);
+    if (!read)
+        throw IdmlError(target, "", "cannot read back the package written in memory");
+    return bytes;
 }
 
 } // namespace
@@ -155,17 +130,14 @@ void saveDocumentAs(IdmlDocument& document, const std::string& target, const Sav
         throw IdmlError(target, "",
                         "this is the document's original file; it is overwritten "
                         "only when that is asked for explicitly");
-    IdmlPackage::Parts parts = partsToWrite(document);
-    TemporaryFile temporary(target);
-    writeZip(temporary.path(), parts, target);
-    syncPath(temporary.path(), O_RDONLY);
-    IdmlPackage written = IdmlPackage::fromBytes(target, readWritten(temporary.path(), target),
-                                                 document.package().limits());
-    if (::rename(temporary.path().c_str(), target.c_str()) != 0)
-        throw IdmlError(target, "",
-                        std::string("cannot replace the file: ") + std::strerror(errno));
-    temporary.release();
-    syncPath(folderOf(target), O_RDONLY | O_DIRECTORY);
+    const std::string bytes = archiveBytes(partsToWrite(document), target);
+    // Read as Galley reads any package before anything on disk changes.
+    IdmlPackage written = IdmlPackage::fromBytes(target, bytes, document.package().limits());
+    try {
+        replaceFileAtomically(target, bytes);
+    } catch (const std::runtime_error& error) {
+        throw IdmlError(target, "", error.what());
+    }
     document.adoptSavedPackage(std::move(written));
 }
 

@@ -17,7 +17,9 @@ struct SaveOptions {
 // change is written with its original bytes; changed stories are serialised anew, and
 // Resources/Fonts.xml then lists the faces the document now uses. The package is written
 // to a temporary file beside the target and renamed over it only when complete, so a
-// failed save leaves whatever was at `target` untouched. Throws IdmlError naming the target.
+// failed save leaves whatever was at `target` untouched; a symbolic link is followed, an
+// existing file keeps its mode and owner, a new one gets 0666 less the umask
+// (replaceFileAtomically). Throws IdmlError naming the target.
 void saveDocumentAs(IdmlDocument& document, const std::string& target,
                     const SaveOptions& options = {});
 

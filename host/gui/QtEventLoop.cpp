@@ -101,6 +101,14 @@ bool QtEventLoop::iterate(std::uint64_t timeoutUsec) {
     return true;
 }
 
+void QtEventLoop::serviceWindows() {
+    // Timers that fire here only mark their sources ready (see addTimer); socket notifiers
+    // and input stay queued. What remains is painting and the window system's own messages,
+    // the _NET_WM_PING of the window manager among them.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                    QEventLoop::ExcludeSocketNotifiers);
+}
+
 void QtEventLoop::wakeUp() {
     if (auto* dispatcher =
             QAbstractEventDispatcher::instance(QCoreApplication::instance()->thread()))

@@ -30,6 +30,7 @@ public:
     void remove(SourceId source) override;
     bool iterate(std::uint64_t timeoutUsec) override;
     void wakeUp() override;
+    void serviceWindows() override;
 
 private:
     struct Source {

@@ -72,6 +72,14 @@ void QtPresenter::setOnStatus(std::function<void(const std::string&)> show) {
         onStatus_(message);
 }
 
+void QtPresenter::notice(const std::string& message) {
+    if (!loop_) {
+        status(message);
+        return;
+    }
+    loop_->post([this, message] { status(message); });
+}
+
 void QtPresenter::status(const std::string& message) {
     if (onStatus_)
         onStatus_(message);

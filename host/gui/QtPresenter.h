@@ -42,6 +42,8 @@ public:
     int16 alert(IAlertPresenter::Kind kind, const std::string& message,
                 const std::string buttons[3], int16 defaultButton) override;
     void status(const std::string& message) override;
+    // Shown once the action under way has put up its own status line.
+    void notice(const std::string& message) override;
     void documentChanged(IdmlDocument& document) override;
 
 private:

@@ -34,6 +34,13 @@ public:
     virtual bool iterate(std::uint64_t timeoutUsec) = 0;
     // Makes a wait in progress return (from any thread).
     virtual void wakeUp() = 0;
+
+    // Keeps the windows alive without waiting and without running any callback: painting
+    // and the window manager's messages are handled, user input and every source (the bus,
+    // timers, descriptors) wait for the next iterate(). For waits inside plug-in code, which
+    // must not be entered again but must not freeze the windows either. Nothing to do where
+    // there are no windows.
+    virtual void serviceWindows() {}
 };
 
 } // namespace Galley

@@ -2,6 +2,7 @@
 
 #include "host/base/PluginCalls.h"
 #include "host/document/IdmlDocument.h"
+#include "host/loop/EventLoop.h"
 #include "host/loop/FontFolderWatch.h"
 #include "host/loop/MainLoop.h"
 #include "host/runtime/Presenter.h"
@@ -36,19 +37,19 @@ constexpr int changeWaitMilliseconds = 16;
 DocumentHub::DocumentHub(EventLoop& events, MainLoop& loop, GalleySession& session,
                          Presenter& presenter, PluginCalls& calls, Responders responders,
                          bool watchFontFolders)
-    : loop_(loop), session_(session), presenter_(presenter), calls_(calls),
+    : events_(events), loop_(loop), session_(session), presenter_(presenter), calls_(calls),
       responders_(std::move(responders)) {
     if (watchFontFolders)
-        this->watchFontFolders(events);
+        this->watchFontFolders();
 }
 
 DocumentHub::~DocumentHub() {
     session_.fonts().setChangeWait(nullptr);
 }
 
-void DocumentHub::watchFontFolders(EventLoop& events) {
+void DocumentHub::watchFontFolders() {
     try {
-        fontWatch_ = std::make_unique<FontFolderWatch>(events, [this] {
+        fontWatch_ = std::make_unique<FontFolderWatch>(events_, [this] {
             // Coalesced: one reload however many events a burst of links brought.
             if (!fontChangePending_) {
                 fontChangePending_ = true;
@@ -56,15 +57,21 @@ void DocumentHub::watchFontFolders(EventLoop& events) {
             }
         });
         refreshFontWatch();
-        session_.fonts().setChangeWait([this] {
-            if (fontWatch_)
-                fontWatch_->waitForChange(changeWaitMilliseconds);
-        });
+        session_.fonts().setChangeWait([this] { waitForFontChange(); });
     } catch (const std::exception& error) {
         presenter_.status(std::string(error.what()) +
                           "; fonts activated while Galley runs are seen only when the font list "
                           "is updated");
     }
+}
+
+// A plug-in polling the font list (its refresh loop holds the main thread for up to about
+// three seconds) sleeps here a tick at a time; the windows are kept painted and answering
+// the desktop between the ticks.
+void DocumentHub::waitForFontChange() {
+    events_.serviceWindows();
+    if (fontWatch_)
+        fontWatch_->waitForChange(changeWaitMilliseconds);
 }
 
 void DocumentHub::refreshFontWatch() {

@@ -55,9 +55,11 @@ public:
     void UpdateViews(bool immediately) override;
 
 private:
-    void watchFontFolders(EventLoop& events);
+    void watchFontFolders();
+    void waitForFontChange();
     void refreshFontWatch();
 
+    EventLoop& events_;
     MainLoop& loop_;
     GalleySession& session_;
     Presenter& presenter_;

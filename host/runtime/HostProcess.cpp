@@ -2,6 +2,7 @@
 
 #include "host/plugins/PluginLoader.h"
 #include "platform/Status.h"
+#include "platform/linux/DBusAppEvents.h"
 #include "platform/linux/DefaultServices.h"
 
 namespace Galley {
@@ -33,6 +34,9 @@ std::unique_ptr<Runtime> HostProcess::startRuntime(EventLoop& loop, Presenter& p
                                                    Runtime::Options options,
                                                    const std::string& executable) {
     options.bus = services_ ? services_->bus() : nullptr;
+    if (options.bus)
+        options.bus->setNoticeHandler(
+            [&presenter](const std::string& text) { presenter.notice(text); });
     auto runtime = std::make_unique<Runtime>(loop, session_, presenter, options);
     runtime->plugins().load(PluginLoader::defaultSearchPath(executable));
     return runtime;

@@ -6,6 +6,8 @@
 #include "platform/linux/SignatureTable.h"
 
 #include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <string>
 
@@ -28,7 +30,10 @@ int statusFromCallError(int r, const BusError& error) {
     return Status::transportError;
 }
 
-int statusFromReplyMessage(sd_bus_message* reply, std::string& text) {
+// The reply's text; a text past Wire::maxReplyBytes is refused before it is copied, and its
+// size given in `refusedBytes`.
+int statusFromReplyMessage(sd_bus_message* reply, std::string& text,
+                           std::size_t* refusedBytes = nullptr) {
     const sd_bus_error* error = sd_bus_message_get_error(reply);
     if (error != nullptr) {
         BusError copy;
@@ -39,8 +44,36 @@ int statusFromReplyMessage(sd_bus_message* reply, std::string& text) {
     if (sd_bus_message_read(reply, Wire::sendResult, &replyText) < 0) {
         return Status::transportError;
     }
-    text = replyText;
+    const std::size_t length = std::strlen(replyText);
+    if (length > Wire::maxReplyBytes) {
+        if (refusedBytes != nullptr) {
+            *refusedBytes = length;
+        }
+        return Status::replyTooLarge;
+    }
+    text.assign(replyText, length);
     return Status::ok;
+}
+
+std::string secondsText(std::chrono::milliseconds span) {
+    char text[32];
+    if (span.count() % 1000 == 0) {
+        std::snprintf(text, sizeof text, "%lld s", static_cast<long long>(span.count() / 1000));
+    } else {
+        std::snprintf(text, sizeof text, "%.1f s", static_cast<double>(span.count()) / 1000.0);
+    }
+    return text;
+}
+
+std::string mebibytesText(std::size_t bytes) {
+    constexpr std::size_t mebibyte = 1024 * 1024;
+    char text[32];
+    if (bytes % mebibyte == 0) {
+        std::snprintf(text, sizeof text, "%zu MiB", bytes / mebibyte);
+    } else {
+        std::snprintf(text, sizeof text, "%.1f MiB", static_cast<double>(bytes) / mebibyte);
+    }
+    return text;
 }
 
 bool isFourCharacterCode(const std::string& code) {
@@ -252,20 +285,117 @@ int newEventCall(sd_bus* bus, const std::string& target, const AppEvent& event, 
 
 int DBusAppEvents::send(const std::string& signature, const AppEvent& event, std::string& reply) {
     reply.clear();
+    const auto busName = resolveTarget(signature);
+    if (!busName) {
+        return Status::notRunning;
+    }
+    std::string owner;
+    int status = ownerOf(*busName, owner);
+    if (status == Status::ok) {
+        status = rememberedTrouble(*busName, owner);
+    }
     MessagePtr call;
-    std::string busName;
-    int status = newEventCall(bus_, signature, event, call, busName);
+    std::string addressed;
+    if (status == Status::ok) {
+        // Addressed to the owner just found, so that a trouble is pinned on that instance.
+        status = newEventCall(bus_, owner, event, call, addressed);
+    }
     if (status != Status::ok) {
         return status;
     }
     BusError error;
     sd_bus_message* rawReply = nullptr;
-    int r = sd_bus_call(bus_, call.get(), 0, error.get(), &rawReply);
+    const auto timeoutUsec = static_cast<std::uint64_t>(callTimeout_.count()) * 1000u;
+    const int r = sd_bus_call(bus_, call.get(), timeoutUsec, error.get(), &rawReply);
     MessagePtr replyMessage(rawReply);
-    if (r < 0) {
-        return statusFromCallError(r, error);
+    std::size_t refusedBytes = 0;
+    status = r < 0 ? statusFromCallError(r, error)
+                   : statusFromReplyMessage(replyMessage.get(), reply, &refusedBytes);
+    const std::string until = "; requests to it fail at once until it is restarted or " +
+                              secondsText(troubleMemory_) + " have passed";
+    std::string stillOwner;
+    // A peer that quit during the call also ends it without a reply; only one that still
+    // owns the name is silent.
+    if (status == Status::timeout && ownerOf(*busName, stillOwner) == Status::ok &&
+        stillOwner == owner) {
+        remember(*busName, owner, status,
+                 describeApplication(*busName) + " does not answer: no reply within " +
+                     secondsText(callTimeout_) + " (is it stopped?)" + until);
+    } else if (status == Status::replyTooLarge) {
+        remember(*busName, owner, status,
+                 describeApplication(*busName) + " sent a reply of " + mebibytesText(refusedBytes) +
+                     ", more than the " + mebibytesText(Wire::maxReplyBytes) +
+                     " an application may send; the reply was refused" + until);
     }
-    return statusFromReplyMessage(replyMessage.get(), reply);
+    return status;
+}
+
+void DBusAppEvents::reportRefusedReply(const std::string& signature, const std::string& why) {
+    const auto busName = resolveTarget(signature);
+    if (!busName) {
+        return;
+    }
+    std::string owner;
+    if (ownerOf(*busName, owner) != Status::ok) {
+        owner = *busName;
+    }
+    tellOnce(owner, "refused",
+             "the reply of " + describeApplication(*busName) + " was refused: " + why);
+}
+
+int DBusAppEvents::rememberedTrouble(const std::string& busName, const std::string& owner) {
+    auto found = troubles_.find(busName);
+    if (found == troubles_.end()) {
+        return Status::ok;
+    }
+    const auto memoryUsec = static_cast<std::uint64_t>(troubleMemory_.count()) * 1000u;
+    if (found->second.owner == owner &&
+        monotonicMicroseconds() - found->second.sinceUsec < memoryUsec) {
+        return found->second.status;
+    }
+    troubles_.erase(found);
+    return Status::ok;
+}
+
+void DBusAppEvents::remember(const std::string& busName, const std::string& owner, int status,
+                             const std::string& notice) {
+    troubles_[busName] = Trouble{owner, monotonicMicroseconds(), status};
+    tellOnce(owner, std::to_string(status), notice);
+}
+
+void DBusAppEvents::tellOnce(const std::string& owner, const std::string& kind,
+                             const std::string& notice) {
+    if (!told_.insert({owner, kind}).second || !notice_) {
+        return;
+    }
+    try {
+        notice_(notice);
+    } catch (...) {
+        // The host's presenter failing must not turn a send's result into an exception.
+    }
+}
+
+int DBusAppEvents::ownerOf(const std::string& busName, std::string& owner) {
+    owner.clear();
+    BusError error;
+    sd_bus_message* raw = nullptr;
+    const int r = sd_bus_call_method(bus_, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                     "org.freedesktop.DBus", "GetNameOwner", error.get(), &raw, "s",
+                                     busName.c_str());
+    MessagePtr reply(raw);
+    if (r < 0) {
+        // No owner, or no valid bus name at all: either way nobody runs under it.
+        return error.hasName(SD_BUS_ERROR_NAME_HAS_NO_OWNER) ||
+                       error.hasName(SD_BUS_ERROR_INVALID_ARGS)
+                   ? Status::notRunning
+                   : Status::transportError;
+    }
+    const char* unique = nullptr;
+    if (sd_bus_message_read(raw, "s", &unique) < 0 || unique == nullptr) {
+        return Status::transportError;
+    }
+    owner = unique;
+    return Status::ok;
 }
 
 bool DBusAppEvents::hasOwner(const std::string& busName) {

@@ -1,7 +1,10 @@
 #include "platform/linux/NotifyFolder.h"
 
+#include "platform/linux/notify.h"
+
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,6 +18,29 @@ constexpr std::size_t maxFileNameLength = 255;
 bool isPlain(unsigned char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' ||
            c == '_' || c == '-';
+}
+
+// What stands where a counter file should: "a FIFO", "a folder"...
+std::string kindOf(const std::string& file) {
+    struct stat info {};
+    if (lstat(file.c_str(), &info) != 0) {
+        return "not a regular file";
+    }
+    switch (info.st_mode & S_IFMT) {
+    case S_IFIFO:
+        return "a FIFO";
+    case S_IFDIR:
+        return "a folder";
+    case S_IFLNK:
+        return "a symbolic link";
+    case S_IFSOCK:
+        return "a socket";
+    case S_IFCHR:
+    case S_IFBLK:
+        return "a device";
+    default:
+        return "not a regular file";
+    }
 }
 
 } // namespace
@@ -70,6 +96,28 @@ std::string fileName(const std::string& name) {
         }
     }
     return encoded.size() <= maxFileNameLength ? encoded : std::string();
+}
+
+std::string describeFailure(const std::string& name, int status) {
+    const int error = errno;
+    const std::string file = path() + "/" + fileName(name);
+    switch (status) {
+    case NOTIFY_STATUS_INVALID_NAME:
+        return "invalid notification name \"" + name + "\"";
+    case NOTIFY_STATUS_INVALID_FOLDER: {
+        std::string why;
+        const int fd = open(path(), why);
+        if (fd >= 0) {
+            ::close(fd);
+        }
+        return "the notification folder is refused: " + why;
+    }
+    case NOTIFY_STATUS_NOT_A_FILE:
+        return file + " is " + kindOf(file) + ", not a counter file; remove it to use \"" + name +
+               "\"";
+    default:
+        return file + ": " + std::strerror(error);
+    }
 }
 
 } // namespace Platform::Linux::NotifyFolder

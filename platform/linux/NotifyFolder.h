@@ -18,4 +18,10 @@ int open(const std::string& folder, std::string& why);
 // encoded too, so no name ever points outside the folder.
 std::string fileName(const std::string& name);
 
+// Says why an operation on the notification `name` failed with `status` (a
+// NOTIFY_STATUS_*), for a message to the user: the refused folder and why, the file that is
+// no counter file and what it is instead, or the system's error. Call it right after the
+// failing call, while errno still tells.
+std::string describeFailure(const std::string& name, int status);
+
 } // namespace Platform::Linux::NotifyFolder

@@ -4,8 +4,8 @@ namespace Platform::Linux {
 
 const std::vector<SignatureEntry>& signatureTable() {
     static const std::vector<SignatureEntry> table = {
-        {"VLMQ", "org.vellumine.Vellumine"},
-        {"InDn", "org.galley.Galley"},
+        {"VLMQ", "org.vellumine.Vellumine", "the font manager"},
+        {"InDn", "org.galley.Galley", "Galley"},
     };
     return table;
 }
@@ -37,6 +37,15 @@ std::optional<std::string> resolveTarget(const std::string& target) {
         return target;
     }
     return std::nullopt;
+}
+
+std::string describeApplication(const std::string& busName) {
+    for (const auto& entry : signatureTable()) {
+        if (entry.busName == busName) {
+            return entry.role + " (" + busName + ")";
+        }
+    }
+    return busName;
 }
 
 } // namespace Platform::Linux

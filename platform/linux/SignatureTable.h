@@ -11,10 +11,11 @@ namespace Platform::Linux {
 struct SignatureEntry {
     std::string signature;
     std::string busName;
+    std::string role; // what the application is to the user, for messages
 };
 
-// {"VLMQ", "org.vellumine.Vellumine"} (the font manager), {"InDn", "org.galley.Galley"} (the
-// host), in this order.
+// {"VLMQ", "org.vellumine.Vellumine", "the font manager"}, {"InDn", "org.galley.Galley",
+// "Galley"}, in this order.
 const std::vector<SignatureEntry>& signatureTable();
 
 std::optional<std::string> busNameForSignature(const std::string& signature);
@@ -23,5 +24,9 @@ std::optional<std::string> signatureForBusName(const std::string& busName);
 // A send target is either a signature from the table or a bus name (unique ":1.42" or
 // well-known "org.example.App"). Returns the bus name, or nothing when `target` is neither.
 std::optional<std::string> resolveTarget(const std::string& target);
+
+// How messages to the user name the application owning `busName`: "the font manager
+// (org.vellumine.Vellumine)", or the bus name alone when it is not in the table.
+std::string describeApplication(const std::string& busName);
 
 } // namespace Platform::Linux

@@ -2,11 +2,13 @@
 
 #include "platform/linux/NotifyFolder.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <fcntl.h>
 #include <mutex>
+#include <optional>
 #include <string>
-#include <sys/mman.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_map>
@@ -14,10 +16,12 @@
 namespace {
 
 using Counter = std::uint64_t;
+// What a reader sees: the counter, or nothing while the file is shorter than one counter.
+using Reading = std::optional<Counter>;
 
 struct Registration {
-    const Counter* counter = nullptr;
-    Counter lastSeen = 0;
+    int fd = -1;
+    Reading lastSeen;
     bool fresh = true;
 };
 
@@ -33,40 +37,71 @@ RegistrationTable& registrations() {
     return *table;
 }
 
-// Opens (creating when needed) the counter file of `name` and maps its first word.
-int mapCounter(const char* name, int protection, void*& mapping) {
+// Closes a descriptor without letting close() change the errno a caller reports.
+void closeKeepingErrno(int fd) {
+    const int saved = errno;
+    close(fd);
+    errno = saved;
+}
+
+// Opens (creating when needed) the counter file of `name`. O_NONBLOCK keeps a FIFO planted
+// under the name from blocking the open; the file is then refused for what it is.
+int openCounter(const char* name, int access, int& fd) {
     if (name == nullptr) {
         return NOTIFY_STATUS_INVALID_NAME;
     }
-    std::string file = Platform::Linux::NotifyFolder::fileName(name);
+    const std::string file = Platform::Linux::NotifyFolder::fileName(name);
     if (file.empty()) {
         return NOTIFY_STATUS_INVALID_NAME;
     }
     std::string why;
-    int folder = Platform::Linux::NotifyFolder::open(Platform::Linux::NotifyFolder::path(), why);
+    const int folder =
+        Platform::Linux::NotifyFolder::open(Platform::Linux::NotifyFolder::path(), why);
     if (folder < 0) {
         return NOTIFY_STATUS_INVALID_FOLDER;
     }
-    int fd = openat(folder, file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
-    close(folder);
+    fd = openat(folder, file.c_str(),
+                access | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
+    closeKeepingErrno(folder);
     if (fd < 0) {
-        return NOTIFY_STATUS_FAILED;
+        // A symbolic link (O_NOFOLLOW), a folder or a socket where the file should be.
+        return errno == ELOOP || errno == EISDIR || errno == ENXIO ? NOTIFY_STATUS_NOT_A_FILE
+                                                                   : NOTIFY_STATUS_FAILED;
     }
     struct stat info {};
-    bool usable = fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
-    // Growing a fresh file to one word is harmless when several processes race to do it:
-    // extending to the same size never clears a count another one already wrote.
-    if (usable && info.st_size < static_cast<off_t>(sizeof(Counter))) {
-        usable = ftruncate(fd, sizeof(Counter)) == 0;
+    const int status = fstat(fd, &info) != 0    ? NOTIFY_STATUS_FAILED
+                       : !S_ISREG(info.st_mode) ? NOTIFY_STATUS_NOT_A_FILE
+                                                : NOTIFY_STATUS_OK;
+    if (status != NOTIFY_STATUS_OK) {
+        closeKeepingErrno(fd);
+        fd = -1;
     }
-    void* mapped =
-        usable ? mmap(nullptr, sizeof(Counter), protection, MAP_SHARED, fd, 0) : MAP_FAILED;
-    close(fd);
-    if (mapped == MAP_FAILED) {
-        return NOTIFY_STATUS_FAILED;
-    }
-    mapping = mapped;
-    return NOTIFY_STATUS_OK;
+    return status;
+}
+
+Reading readCounter(int fd) {
+    Counter value = 0;
+    ssize_t got = 0;
+    do {
+        got = pread(fd, &value, sizeof value, 0);
+    } while (got < 0 && errno == EINTR);
+    return got == static_cast<ssize_t>(sizeof value) ? Reading(value) : std::nullopt;
+}
+
+bool writeCounter(int fd, Counter value) {
+    ssize_t put = 0;
+    do {
+        put = pwrite(fd, &value, sizeof value, 0);
+    } while (put < 0 && errno == EINTR);
+    return put == static_cast<ssize_t>(sizeof value);
+}
+
+bool lockExclusively(int fd) {
+    int r = 0;
+    do {
+        r = flock(fd, LOCK_EX);
+    } while (r != 0 && errno == EINTR);
+    return r == 0;
 }
 
 } // namespace
@@ -74,28 +109,27 @@ int mapCounter(const char* name, int protection, void*& mapping) {
 extern "C" {
 
 int notify_post(const char* name) {
-    void* mapping = nullptr;
-    int status = mapCounter(name, PROT_READ | PROT_WRITE, mapping);
+    int fd = -1;
+    const int status = openCounter(name, O_RDWR, fd);
     if (status != NOTIFY_STATUS_OK) {
         return status;
     }
-    __atomic_fetch_add(static_cast<Counter*>(mapping), 1, __ATOMIC_SEQ_CST);
-    munmap(mapping, sizeof(Counter));
-    return NOTIFY_STATUS_OK;
+    // The lock makes read, add and write one step among posters; closing drops it.
+    const bool posted = lockExclusively(fd) && writeCounter(fd, readCounter(fd).value_or(0) + 1);
+    closeKeepingErrno(fd);
+    return posted ? NOTIFY_STATUS_OK : NOTIFY_STATUS_FAILED;
 }
 
 int notify_register_check(const char* name, int* token) {
     if (token == nullptr) {
         return NOTIFY_STATUS_INVALID_ARGUMENT;
     }
-    void* mapping = nullptr;
-    int status = mapCounter(name, PROT_READ, mapping);
+    Registration registration;
+    const int status = openCounter(name, O_RDONLY, registration.fd);
     if (status != NOTIFY_STATUS_OK) {
         return status;
     }
-    Registration registration;
-    registration.counter = static_cast<const Counter*>(mapping);
-    registration.lastSeen = __atomic_load_n(registration.counter, __ATOMIC_ACQUIRE);
+    registration.lastSeen = readCounter(registration.fd);
     auto& table = registrations();
     std::lock_guard lock(table.mutex);
     *token = table.nextToken++;
@@ -114,7 +148,7 @@ int notify_check(int token, int* check) {
         return NOTIFY_STATUS_INVALID_TOKEN;
     }
     Registration& registration = found->second;
-    Counter now = __atomic_load_n(registration.counter, __ATOMIC_ACQUIRE);
+    const Reading now = readCounter(registration.fd);
     *check = (registration.fresh || now != registration.lastSeen) ? 1 : 0;
     registration.fresh = false;
     registration.lastSeen = now;
@@ -128,7 +162,7 @@ int notify_cancel(int token) {
     if (found == table.entries.end()) {
         return NOTIFY_STATUS_INVALID_TOKEN;
     }
-    munmap(const_cast<Counter*>(found->second.counter), sizeof(Counter));
+    close(found->second.fd);
     table.entries.erase(found);
     return NOTIFY_STATUS_OK;
 }

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <thread>
 
@@ -31,16 +30,8 @@ void printUsage(std::FILE* out) {
 }
 
 int report(const char* name, int status) {
-    if (status == NOTIFY_STATUS_INVALID_FOLDER) {
-        std::string why;
-        Platform::Linux::NotifyFolder::open(Platform::Linux::NotifyFolder::path(), why);
-        std::fprintf(stderr, "notifyutil: refusing the notification folder: %s\n", why.c_str());
-    } else if (status == NOTIFY_STATUS_INVALID_NAME) {
-        std::fprintf(stderr, "notifyutil: invalid notification name \"%s\"\n", name);
-    } else {
-        std::fprintf(stderr, "notifyutil: %s failed (status %d): %s\n", name, status,
-                     std::strerror(errno));
-    }
+    std::fprintf(stderr, "notifyutil: %s\n",
+                 Platform::Linux::NotifyFolder::describeFailure(name, status).c_str());
     return failure;
 }
 

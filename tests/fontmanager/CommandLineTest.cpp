@@ -6,6 +6,9 @@
 #include "fontmanager/RequestDispatcher.h"
 #include "fontmanager/SqliteCatalog.h"
 
+#include "platform/linux/notify.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -129,6 +132,31 @@ TEST_F(CommandLineTest, CheckSaysWhetherTheLibraryAndItsLinksAgree) {
     EXPECT_EQ(repaired.status, 0);
     EXPECT_NE(repaired.out.find("1 problem(s), 1 repaired"), std::string::npos) << repaired.out;
     EXPECT_EQ(run({"check"}).status, 0);
+}
+
+// A notification folder others may write is refused: the change is still made, and the
+// user hears once that applications will not hear of it.
+TEST_F(CommandLineTest, ARefusedNotificationFolderIsWarnedOfOnce) {
+    const auto folder = scratch.path() / "runtime" / "notify";
+    std::filesystem::create_directories(folder);
+    std::filesystem::permissions(folder, std::filesystem::perms::all);
+    const std::string warning = "vellumine: warning: applications will not hear of library "
+                                "changes: the notification folder is refused: " +
+                                folder.string() + " is writable by others\n";
+    for (const auto& command : std::vector<std::vector<std::string>>{{"add", dejaVuSans.string()},
+                                                                     {"activate", "DejaVuSans"}}) {
+        const Run done = run(command);
+        EXPECT_EQ(done.status, 0) << command[0];
+        EXPECT_EQ(done.errors, warning) << command[0];
+    }
+
+    std::ostringstream warnings;
+    SqliteCatalog catalog(LibraryPaths::fromEnvironment().catalogFile());
+    LibraryChanges changes(catalog,
+                           [](const std::string&) { return NOTIFY_STATUS_INVALID_FOLDER; });
+    changes.warnTo(warnings).announce("FSBC");
+    changes.announce("FSBC");
+    EXPECT_EQ(warnings.str(), warning) << "a serving vellumine warns once, not at every change";
 }
 
 } // namespace

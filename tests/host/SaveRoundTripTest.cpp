@@ -5,7 +5,14 @@
 
 #include <zip.h>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
+#include <fstream>
+#include <optional>
 
 namespace {
 
@@ -113,6 +120,92 @@ TEST_F(SaveRoundTrip, FailingSaveLeavesTheOriginalAndOverwritingNeedsToBeAsked) 
     EXPECT_EQ(dir.entries(), 2); // the original and "occupied"
     Galley::saveDocumentAs(*doc, original, {.overwriteOriginal = true});
     EXPECT_TRUE(Galley::IdmlDocument::open(original, fonts())->usage().missing().empty());
+}
+
+mode_t modeOf(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 ? info.st_mode & 07777 : 0;
+}
+
+// A new file gets 0666 less the umask and an existing one keeps its mode, as an editor's
+// save gives them; the temporary's private mode never shows.
+TEST_F(SaveRoundTrip, ASavedFileKeepsTheModeOfTheFileItReplacesOrGetsWhatTheUmaskGives) {
+    auto doc = Galley::IdmlDocument::open(original, fonts());
+    const struct {
+        mode_t umask;
+        std::optional<mode_t> existing;
+        mode_t expected;
+    } cases[] = {{022, std::nullopt, 0644}, {077, std::nullopt, 0600}, {002, std::nullopt, 0664},
+                 {022, 0644, 0644},         {022, 0600, 0600},         {077, 0664, 0664}};
+    int n = 0;
+    for (const auto& c : cases) {
+        const std::string target = dir.file("mode" + std::to_string(n++) + ".idml");
+        if (c.existing) {
+            std::ofstream(target) << "an older document";
+            chmod(target.c_str(), *c.existing);
+        }
+        const mode_t before = umask(c.umask);
+        Galley::saveDocumentAs(*doc, target);
+        umask(before);
+        EXPECT_EQ(modeOf(target), c.expected) << std::oct << c.umask << " " << c.existing.value_or(0);
+    }
+    // Its owner and group too, where this user may set them.
+    const std::string given = dir.file("given.idml");
+    std::ofstream(given) << "someone else's";
+    if (chown(given.c_str(), 4321, 4321) != 0)
+        GTEST_SKIP() << "giving a file away needs privileges";
+    Galley::saveDocumentAs(*doc, given);
+    struct stat info {};
+    ASSERT_EQ(stat(given.c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, 4321u);
+    EXPECT_EQ(info.st_gid, 4321u);
+}
+
+// Saving onto a symbolic link writes the file it points to, in that file's folder, and the
+// link stays a link.
+TEST_F(SaveRoundTrip, SavingOntoASymbolicLinkReplacesTheFileItPointsTo) {
+    std::filesystem::create_directories(dir.file("real"));
+    const std::string real = dir.file("real/doc.idml");
+    std::ofstream(real) << "an older document";
+    chmod(real.c_str(), 0640);
+    ASSERT_EQ(symlink("real/doc.idml", dir.file("via.idml").c_str()), 0);
+    ASSERT_EQ(symlink("via.idml", dir.file("link.idml").c_str()), 0);
+    Galley::saveDocumentAs(*Galley::IdmlDocument::open(original, fonts()), dir.file("link.idml"));
+    EXPECT_EQ(std::filesystem::read_symlink(dir.file("link.idml")), "via.idml");
+    EXPECT_EQ(readParts(real), readParts(original));
+    EXPECT_EQ(modeOf(real), 0640u);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.file("real")),
+                            std::filesystem::directory_iterator()),
+              1);
+}
+
+// A save killed half-way leaves its hidden temporary; the next save of the same file takes
+// it away, but not one that a running save holds, nor files that only look alike.
+TEST_F(SaveRoundTrip, TheNextSaveRemovesTheTemporariesAKilledSaveLeft) {
+    std::filesystem::create_directories(dir.file("saves"));
+    const auto in = [&](const std::string& name) { return dir.file("saves/" + name); };
+    const std::vector<std::string> stale = {".doc.idml.saving-Ab3xY9", ".doc.idml.saving-Ab3xY9.q1W2e3"};
+    // The first is held by a running save; the others only look alike.
+    const std::vector<std::string> kept = {".doc.idml.saving-Run123", ".doc.idml.saving-Ab3xY",
+                                           ".doc.idml.saving-Ab3xY9~", ".other.idml.saving-Ab3xY9",
+                                           "doc.idml.saving-Ab3xY9"};
+    for (const auto& name : stale)
+        std::ofstream(in(name)) << std::string(1 << 20, 'z');
+    for (const auto& name : kept)
+        std::ofstream(in(name)) << "keep";
+    const int running = ::open(in(kept[0]).c_str(), O_RDONLY);
+    ASSERT_EQ(flock(running, LOCK_EX), 0);
+
+    Galley::saveDocumentAs(*Galley::IdmlDocument::open(original, fonts()), in("doc.idml"));
+    close(running);
+    for (const auto& name : stale)
+        EXPECT_FALSE(std::filesystem::exists(in(name))) << name;
+    for (const auto& name : kept)
+        EXPECT_TRUE(std::filesystem::exists(in(name))) << name;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.file("saves")),
+                            std::filesystem::directory_iterator()),
+              static_cast<long>(kept.size()) + 1)
+        << "the saved document, and no temporary of its own";
 }
 
 } // namespace

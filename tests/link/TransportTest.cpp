@@ -52,6 +52,41 @@ TEST(Transport, RetriesThroughTheClock) {
     }
 }
 
+// Past a font manager's limits a reply is refused at the first attempt, before it is
+// joined or parsed, and the user is told why; within them it passes as it came.
+TEST(Transport, RefusesRepliesPastTheFontManagersLimits) {
+    const auto font = [](std::size_t candidates, const std::string& info = "<fontInfo>") {
+        std::string text = "<font>\n";
+        for (std::size_t n = 0; n < candidates; ++n)
+            text += info + "\n<containerID>" + std::to_string(n) + "</containerID>\n</fontInfo>\n";
+        return text + "</font>\n";
+    };
+    const struct {
+        std::string reply;
+        std::string refusal; // empty: accepted
+    } rows[] = {
+        {font(100) + font(60), ""},
+        {font(101, "<fontInfo\n>"), "a font in it lists 101 candidates, more than the 100 a font "
+                                     "manager sends"},
+        {font(101, "<![CDATA[<fontInfo>]]><fontInfoX>"), ""},
+        {font(101, "<!-- <fontInfo> -->"), ""},
+        // With the reply's opening and closing lines, one byte past the limit.
+        {std::string(VLM::maxReplyBytes - 27, ' '), "it holds 16777217 bytes, more than the 16 "
+                                                   "MiB a font manager sends"},
+    };
+    for (const auto& row : rows) {
+        VLMTest::FakePlatform platform;
+        platform.appEvents.queueAnswer(ok, "<cmd>fontReply</cmd>\n" + row.reply + "</cmd>\n");
+        const std::string result = VLM::MacVLMNotifyHandler().SendToVlm("request");
+        EXPECT_EQ(result.empty(), !row.refusal.empty()) << row.refusal;
+        EXPECT_EQ(platform.appEvents.sent().size(), 1u) << row.refusal;
+        EXPECT_EQ(platform.clock.delays(), Delays{}) << row.refusal;
+        EXPECT_EQ(platform.appEvents.refusals,
+                  row.refusal.empty() ? std::vector<std::string>{}
+                                      : std::vector<std::string>{"VLMQ: " + row.refusal});
+    }
+}
+
 TEST(Transport, ExceptionsStayInsideTheTransport) {
     VLMTest::FakePlatform platform;
     platform.appEvents.setResponder(

@@ -9,10 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <tuple>
 
 using Platform::AppEvent;
@@ -84,17 +86,111 @@ TEST_F(PlatformServicesTest, NamesWithoutOwnerDoNotRunTakenOnesAreRefusedSilentO
     EXPECT_EQ(host->sendNoReply("VLMQ", {"VLM4", "FSBC", ""}), Status::notRunning);
     EXPECT_FALSE(host->hasOwner(vellumine));
 
-    // sd-bus's own setting for the default method-call timeout, read at connection time.
-    setenv("SYSTEMD_BUS_TIMEOUT", "1", 1);
-    auto client = DBusAppEvents::open("", status);
-    unsetenv("SYSTEMD_BUS_TIMEOUT");
     auto silent = DBusAppEvents::open(vellumine, status); // owns the name but never dispatches
-    ASSERT_TRUE(client && silent);
+    ASSERT_TRUE(silent);
     EXPECT_EQ(DBusAppEvents::open(vellumine, status), nullptr);
     EXPECT_EQ(status, Status::permissionDenied);
-    EXPECT_EQ(client->send("VLMQ", {"VLMQ", "****", ""}, reply), Status::timeout);
+    host->setCallTimeout(std::chrono::milliseconds(200));
+    EXPECT_EQ(host->send("VLMQ", {"VLMQ", "****", ""}, reply), Status::timeout);
     silent.reset();
     EXPECT_NE(DBusAppEvents::open(vellumine, status), nullptr) << "free again once closed";
+}
+
+// What reached a peer in this process: its calls, and whether the marker sent after them
+// arrived, which tells that every earlier call has arrived too.
+struct Arrivals {
+    int calls = 0;
+    bool marked = false;
+    std::string reply;
+};
+
+int record(const AppEvent& event, std::string& reply, void* refcon) {
+    auto* arrivals = static_cast<Arrivals*>(refcon);
+    if (event.eventID == "MARK")
+        arrivals->marked = true;
+    else
+        ++arrivals->calls;
+    reply = arrivals->reply;
+    return Status::ok;
+}
+
+// A stopped font manager still owns its name: the first send waits for the call timeout,
+// later ones to the same instance fail at once, the user hears of it once, and a new owner
+// of the name is asked again at once.
+TEST_F(PlatformServicesTest, ASilentPeerCostsOneTimeoutUntilAnotherOwnsTheName) {
+    std::vector<std::string> notices;
+    host->setNoticeHandler([&](const std::string& text) { notices.push_back(text); });
+    host->setCallTimeout(std::chrono::milliseconds(300));
+    Arrivals arrivals;
+    auto silent = DBusAppEvents::open(vellumine, status); // dispatched only below
+    ASSERT_TRUE(silent);
+    silent->installHandler("VLMQ", Platform::anyEventID, record, &arrivals);
+    std::string reply;
+    for (int attempt = 0; attempt < 3; ++attempt)
+        EXPECT_EQ(host->send("VLMQ", {"VLMQ", "****", ""}, reply), Status::timeout) << attempt;
+    auto arrived = [&] {
+        arrivals.marked = false;
+        EXPECT_EQ(host->sendNoReply("VLMQ", {"VLMQ", "MARK", ""}), Status::ok);
+        EXPECT_TRUE(VlmTest::waitFor([&] { return silent->processPending() == 0 && arrivals.marked; }));
+        return arrivals.calls;
+    };
+    EXPECT_EQ(arrived(), 1) << "only the first send went out";
+    EXPECT_EQ(notices, std::vector<std::string>{
+                           "the font manager (org.vellumine.Vellumine) does not answer: no reply "
+                           "within 0.3 s (is it stopped?); requests to it fail at once until it "
+                           "is restarted or 30 s have passed"});
+
+    // Once the memory has passed, the same instance is asked again, without a second notice.
+    host->setTroubleMemory(std::chrono::milliseconds(0));
+    EXPECT_EQ(host->send("VLMQ", {"VLMQ", "****", ""}, reply), Status::timeout);
+    EXPECT_EQ(arrived(), 2);
+    EXPECT_EQ(notices.size(), 1u);
+
+    host->setTroubleMemory(DBusAppEvents::defaultTroubleMemory);
+    EXPECT_EQ(host->send("VLMQ", {"VLMQ", "****", ""}, reply), Status::timeout);
+    silent.reset();
+    session.spawn({VLM_TEST_BUS_PEER, vellumine});
+    ASSERT_TRUE(VlmTest::waitFor([&] { return host->hasOwner(vellumine); }));
+    EXPECT_EQ(host->send("VLMQ", {"VLMQ", "****", "again"}, reply), Status::ok);
+    EXPECT_EQ(reply, "VLMQ/****:again");
+}
+
+// A reply past the limit is refused before its text is copied, the user hears of it once,
+// and the same instance is not asked again for a while: a caller's retries must not fetch
+// the same oversized reply again and again.
+TEST_F(PlatformServicesTest, AnOversizedReplyIsRefusedAndNotFetchedAgain) {
+    std::vector<std::string> notices;
+    host->setNoticeHandler([&](const std::string& text) { notices.push_back(text); });
+    Arrivals arrivals;
+    arrivals.reply.assign(17u << 20, 'x');
+    std::atomic<bool> ready{false}, stop{false};
+    std::thread peer([&] {
+        int peerStatus = 0;
+        auto events = DBusAppEvents::open(vellumine, peerStatus);
+        events->installHandler("VLMQ", Platform::anyEventID, record, &arrivals);
+        ready = true;
+        events->runUntil([&] { return stop.load(); }, 10);
+    });
+    ASSERT_TRUE(VlmTest::waitFor([&] { return ready.load(); }));
+    std::string reply = "stale";
+    EXPECT_EQ(host->send("VLMQ", {"VLMQ", "****", ""}, reply), Status::replyTooLarge);
+    EXPECT_EQ(reply, "");
+    EXPECT_EQ(host->send("VLMQ", {"VLMQ", "****", ""}, reply), Status::replyTooLarge);
+    stop = true;
+    peer.join();
+    EXPECT_EQ(arrivals.calls, 1);
+    EXPECT_EQ(notices, std::vector<std::string>{
+                           "the font manager (org.vellumine.Vellumine) sent a reply of 17 MiB, "
+                           "more than the 16 MiB an application may send; the reply was "
+                           "refused; requests to it fail at once until it is restarted or 30 s "
+                           "have passed"});
+
+    // What a caller refuses of a reply's content is told once per instance as well.
+    host->reportRefusedReply("VLMQ", "it is odd");
+    host->reportRefusedReply("VLMQ", "it is odd");
+    EXPECT_EQ(notices.back(), "the reply of the font manager (org.vellumine.Vellumine) was "
+                              "refused: it is odd");
+    EXPECT_EQ(notices.size(), 2u);
 }
 
 TEST_F(PlatformServicesTest, HandlersAreChosenByExactIDThenWildcardAndTheirStatusesReturn) {

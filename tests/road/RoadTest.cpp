@@ -232,6 +232,21 @@ TEST_F(Road, AFontManagerThatDiesLeavesTheProgressDialogToTheTimeOutAndTheDocume
     EXPECT_EQ(bytesOf(path), before);
 }
 
+// A font manager that owns its name but never answers (stopped, say): the exchange gives
+// up within 15 s whatever the bus's own time-out, so the run ends within its time-out and
+// that, and the user hears once why.
+TEST_F(Road, AFontManagerThatNeverAnswersHoldsGalleyNoLongerThanItsBound) {
+    ASSERT_TRUE(serve({VLM_TEST_BUS_PEER, "org.vellumine.Vellumine", "--silent"}));
+    const int timeout = 5;
+    auto run = galley(document("doc", {heros}), {}, timeout);
+    EXPECT_EQ(run->wait(std::chrono::seconds(timeout + 15)), 1) << run->errors();
+    const std::string err = run->errors();
+    const std::string notice = "galley: the font manager (org.vellumine.Vellumine) does not answer";
+    const auto told = err.find(notice);
+    EXPECT_NE(told, std::string::npos) << err;
+    EXPECT_EQ(err.find(notice, told + 1), std::string::npos) << "told once:\n" << err;
+}
+
 TEST_F(Road, ShowAndBuyReachTheFontManager) {
     installLauncher();
     auto run = galley(document("choice", {pagella}), {"select", "TeXGyrePagella-Regular", "press",

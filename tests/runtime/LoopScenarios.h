@@ -7,7 +7,12 @@
 
 #include "sdk/IIdleTask.h"
 
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <chrono>
+#include <thread>
 
 namespace RuntimeTest {
 
@@ -70,9 +75,39 @@ TYPED_TEST_P(LoopScenarios, AWaitPastTheDeadlineCancelsTheDialogInFront) {
     EXPECT_EQ(this->runtime->dialogs().frontDialog(), nullptr);
 }
 
+// Plug-in code that waits (the refresh loop) keeps the windows painted through
+// serviceWindows(), which must run no callback: a due timer and a readable descriptor wait
+// for the next iteration.
+TYPED_TEST_P(LoopScenarios, ServicingTheWindowsRunsNoCallback) {
+    int fds[2];
+    ASSERT_EQ(::pipe(fds), 0);
+    std::vector<std::string> ran;
+    const auto timer = this->loop.addTimer([&] { ran.push_back("timer"); });
+    const auto pipe = this->loop.watchFd(fds[0], POLLIN, [&] {
+        char byte;
+        EXPECT_EQ(::read(fds[0], &byte, 1), 1);
+        ran.push_back("pipe");
+    });
+    this->loop.armTimer(timer, 1000);
+    ASSERT_EQ(::write(fds[1], "x", 1), 1);
+    std::this_thread::sleep_for(10ms);
+    for (int turn = 0; turn < 3; ++turn)
+        this->loop.serviceWindows();
+    EXPECT_TRUE(ran.empty());
+    for (int turn = 0; turn < 10 && ran.size() < 2; ++turn)
+        this->loop.iterate(20000);
+    std::sort(ran.begin(), ran.end());
+    EXPECT_EQ(ran, (std::vector<std::string>{"pipe", "timer"}));
+    this->loop.remove(pipe);
+    this->loop.remove(timer);
+    ::close(fds[0]);
+    ::close(fds[1]);
+}
+
 REGISTER_TYPED_TEST_SUITE_P(LoopScenarios, IdleTaskRunsAgainAfterTheDelayItAnswers,
                             ModalWaitKeepsIdleTasksRunningAndEndsWhenOneClosesTheDialog,
                             AWaitThatHoldsIdleTasksRunsThemOnlyAfterwards,
-                            AWaitPastTheDeadlineCancelsTheDialogInFront);
+                            AWaitPastTheDeadlineCancelsTheDialogInFront,
+                            ServicingTheWindowsRunsNoCallback);
 
 } // namespace RuntimeTest

@@ -31,6 +31,9 @@ public:
                        Platform::AppEventHandlerProc handler, void* refcon) override;
     int removeHandler(const std::string& eventClass, const std::string& eventID,
                       Platform::AppEventHandlerProc handler) override;
+    void reportRefusedReply(const std::string& signature, const std::string& why) override {
+        refusals.push_back(signature + ": " + why);
+    }
 
     void queueAnswer(int status, const std::string& reply) { answers.push_back({status, reply}); }
     // Computes the answer from the request instead (e.g. a font manager stand-in); it may
@@ -47,6 +50,8 @@ public:
     }
 
     const std::vector<Sent>& sent() const { return sentEvents; }
+    // What callers refused of replies, as "signature: why".
+    std::vector<std::string> refusals;
 
 private:
     struct Installed {

@@ -49,6 +49,25 @@ TEST_F(TreeModel, FontAndFirstMatchShareASequenceNumberAndOnlySuppliableFontsGet
     EXPECT_EQ(model.GetChildIndexFor(root, y), 1);
 }
 
+// A font with many candidates: each row shows its own face, also among candidates that
+// share a container (the faces the system has all carry none), and finds its index among
+// its siblings without a search.
+TEST_F(TreeModel, EveryCandidateRowShowsItsOwnFaceAmongMany) {
+    const int candidates = 2000;
+    auto font = record("M", {candidates, true});
+    for (int n = 0; n < candidates; ++n)
+        font->font.fontInfo.push_back({n % 2 ? std::to_string(n) : "", "face " + std::to_string(n)});
+    TreeViewDataModel& model = modelOver({font});
+    ASSERT_EQ(tree->RowCount(), candidates + 1);
+    const TreeViewDataNode* fontNode = model.GetRootNode()->GetNthChild(0);
+    for (int n = 0; n < candidates; ++n) {
+        const auto& row = tree->rows().at(static_cast<std::size_t>(n + 1));
+        const auto* name = static_cast<Galley::Widget*>(row.widget->FindWidget(kRowNameWidgetID, 9));
+        ASSERT_EQ(name->displayText(), "face " + std::to_string(n));
+        ASSERT_EQ(model.GetChildIndexFor(fontNode, fontNode->GetNthChild(n)), n);
+    }
+}
+
 TEST_F(TreeModel, NeedRebuildLooksOnlyFromTheLongerListForSyncIDAndReplacedState) {
     TreeViewDataModel withoutTreeView(nullptr);
     withoutTreeView.Rebuild();
