@@ -83,6 +83,15 @@ function(vlm_install_layout)
     if(TARGET vellumine)
         vlm_install_configured_file(INPUT "${packaging}/org.vellumine.Vellumine.service.in"
             NAME org.vellumine.Vellumine.service DESTINATION "${datadir}/dbus-1/services")
+        # The window's menu entry, its AppStream description, and the systemd user unit the
+        # D-Bus service names (where Debian puts user units; systemd also reads
+        # $XDG_DATA_HOME/systemd/user for a per-user prefix).
+        vlm_install_configured_file(INPUT "${packaging}/org.vellumine.Vellumine.desktop.in"
+            NAME org.vellumine.Vellumine.desktop DESTINATION "${datadir}/applications")
+        install(FILES "${packaging}/org.vellumine.Vellumine.metainfo.xml"
+            DESTINATION "${datadir}/metainfo")
+        vlm_install_configured_file(INPUT "${packaging}/vellumine.service.in"
+            NAME vellumine.service DESTINATION "lib/systemd/user")
         vlm_install_man_page("${PROJECT_SOURCE_DIR}/docs/man/vellumine.1")
         install(FILES "${packaging}/completions/vellumine"
             DESTINATION "${datadir}/bash-completion/completions")

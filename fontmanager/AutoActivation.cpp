@@ -4,47 +4,101 @@
 #include "foundation/Logger.h"
 
 #include <algorithm>
+#include <set>
 
 namespace Vellumine {
 
-std::vector<std::int64_t> automaticActivationCandidates(Catalog& catalog, const Request& request,
-                                                        const SystemFonts* system) {
-    std::vector<std::int64_t> ids;
+namespace {
+
+void sortUnique(std::vector<std::int64_t>& ids) {
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+}
+
+// Adds `application` to the requesters of the automatic faces among `active`; true when it
+// was not one of them yet. One query of the (small) set of automatic faces per request.
+bool recordRequester(Catalog& catalog, const std::vector<std::int64_t>& active,
+                     const std::string& application) {
+    std::set<std::int64_t> automatic, askedAlready;
+    for (const auto& requester : catalog.autoRequesters()) {
+        automatic.insert(requester.faceId);
+        if (requester.application == application) {
+            askedAlready.insert(requester.faceId);
+        }
+    }
+    std::vector<std::int64_t> added;
+    for (const auto id : active) {
+        if (automatic.contains(id) && !askedAlready.contains(id)) {
+            added.push_back(id);
+        }
+    }
+    if (!added.empty()) {
+        catalog.write([&] {
+            for (const auto id : added) {
+                catalog.addRequester(id, application);
+            }
+        });
+    }
+    return !added.empty();
+}
+
+} // namespace
+
+AutomaticCandidates automaticActivationCandidates(Catalog& catalog, const Request& request,
+                                                  const SystemFonts* system) {
+    AutomaticCandidates candidates;
     catalog.read([&] {
         FontMatcher matcher(catalog, system);
         for (const auto& font : request.fonts) {
             const FontMatch& match = matcher.match(font);
             if (!match.isActive() && match.typeMatching.size() == 1) {
-                ids.push_back(match.typeMatching.front()->id);
+                candidates.toActivate.push_back(match.typeMatching.front()->id);
+            }
+            for (const FaceRecord* face : match.faces) {
+                if (face->active && !face->onSystem) {
+                    candidates.active.push_back(face->id);
+                }
             }
         }
     });
-    std::sort(ids.begin(), ids.end());
-    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-    return ids;
+    sortUnique(candidates.toActivate);
+    sortUnique(candidates.active);
+    return candidates;
 }
 
-int activateAutomatically(Catalog& catalog, Activation& activation, LibraryChanges& changes,
-                          const Request& request, const std::string& application,
-                          const SystemFonts* system) {
-    auto ids = automaticActivationCandidates(catalog, request, system);
+AutomaticActivation activateAutomatically(Catalog& catalog, Activation& activation,
+                                          LibraryChanges& changes, const Request& request,
+                                          const std::string& application,
+                                          const SystemFonts* system) {
+    auto candidates = automaticActivationCandidates(catalog, request, system);
+    auto& ids = candidates.toActivate;
     if (ids.size() > maximumAutomaticActivations) {
         Logger::log("vellumine-auto", "activating only " +
                                           std::to_string(maximumAutomaticActivations) + " of " +
                                           std::to_string(ids.size()) + " faces for " + application);
         ids.resize(maximumAutomaticActivations);
     }
-    int activated = 0;
+    AutomaticActivation outcome;
     for (const auto id : ids) {
         // An application's wish, not the user's: a face the user activated stays theirs.
         const ActivationResult result = activation.activate(id, {application, false});
         Logger::log("vellumine-auto", result.message + " for " + application);
-        activated += result.outcome == ActivationResult::Outcome::changed ? 1 : 0;
+        if (result.outcome == ActivationResult::Outcome::changed) {
+            // Who asked for this face in an earlier activation no longer counts.
+            catalog.write([&] { catalog.clearRequesters(id); });
+            if (const auto face = catalog.face(id)) {
+                outcome.activated.push_back(face->postScriptName);
+            }
+            outcome.requesterRecorded = true;
+        }
     }
-    if (activated > 0) {
+    if (!candidates.active.empty() && recordRequester(catalog, candidates.active, application)) {
+        outcome.requesterRecorded = true;
+    }
+    if (!outcome.activated.empty()) {
         changes.announce(ChangeKind::activeFontsChanged);
     }
-    return activated;
+    return outcome;
 }
 
 } // namespace Vellumine

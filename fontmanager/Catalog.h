@@ -65,6 +65,20 @@ struct LibraryChange {
     std::int64_t unixTime = 0;
 };
 
+// A named collection of faces that the user activates and deactivates together.
+struct FaceSet {
+    std::int64_t id = 0;
+    std::string name;
+    std::int64_t faceCount = 0;
+};
+
+// An application that asked for a face vellumine activated on its own: the face stays while
+// one of them runs.
+struct AutoRequester {
+    std::int64_t faceId = 0;
+    std::string application; // the signature from <targetApp>
+};
+
 struct AddedFace {
     std::int64_t id = 0;
     bool isNew = false;
@@ -146,6 +160,34 @@ public:
     // Whether font requests count the fonts fontconfig lists besides vellumine's own.
     virtual bool systemFonts() = 0;
     virtual void setSystemFonts(bool on) = 0;
+
+    // --- Sets, the requesters of automatic activations, and two more settings (SQLite
+    // schema 3) ---
+
+    // The set's identifier, made when no set has that name.
+    virtual std::int64_t createSet(const std::string& name) = 0;
+    virtual std::optional<std::int64_t> setByName(const std::string& name) = 0;
+    // Removes the set (never its faces); false when no set has that name.
+    virtual bool deleteSet(const std::string& name) = 0;
+    virtual std::vector<FaceSet> sets() = 0;
+    // Adding a member twice changes nothing.
+    virtual void addToSet(std::int64_t setId, std::int64_t faceId) = 0;
+    virtual void removeFromSet(std::int64_t setId, std::int64_t faceId) = 0;
+    virtual std::vector<std::int64_t> setMembers(std::int64_t setId) = 0;
+
+    // Every application that asked for a face still active automatically: the one it was
+    // activated for (LinkRecord::autoFor) and those that asked for it since.
+    virtual std::vector<AutoRequester> autoRequesters() = 0;
+    virtual void addRequester(std::int64_t faceId, const std::string& application) = 0;
+    // Forgets who asked for the face, besides the one it is activated for.
+    virtual void clearRequesters(std::int64_t faceId) = 0;
+
+    // Whether faces activated for an application are deactivated once it has left.
+    virtual bool autoDeactivation() = 0;
+    virtual void setAutoDeactivation(bool on) = 0;
+    // The store a buy request opens; "%s" stands for the font's name. Empty: the default.
+    virtual std::string storeUrl() = 0;
+    virtual void setStoreUrl(const std::string& urlTemplate) = 0;
 };
 
 } // namespace Vellumine

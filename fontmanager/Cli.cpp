@@ -4,6 +4,7 @@
 #include "fontmanager/Catalog.h"
 #include "fontmanager/ContainerID.h"
 #include "fontmanager/FaceReader.h"
+#include "fontmanager/FaceSets.h"
 #include "fontmanager/FontRequestHandler.h"
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryChanges.h"
@@ -12,6 +13,7 @@
 #include "fontmanager/LibraryPaths.h"
 #include "fontmanager/OpenCatalog.h"
 #include "fontmanager/Server.h"
+#include "fontmanager/StoreUrl.h"
 #include "platform/linux/DBusAppEvents.h"
 
 #include <algorithm>
@@ -24,13 +26,15 @@ namespace Vellumine {
 
 namespace {
 
-using Arguments = std::vector<std::string>;
+using Arguments = CliArguments;
 
 struct Command {
     const char* usage;
     const char* help;
-    std::function<int(const Arguments&, std::ostream&, std::ostream&)> run;
+    CliCommand run;
 };
+
+GuiCommands guiCommands;
 
 constexpr int usageError = 2;
 
@@ -125,6 +129,13 @@ int addCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
     return report.missingPaths ? 1 : 0;
 }
 
+void printFace(const FaceRecord& face, std::ostream& out) {
+    out << face.id << "\t" << wireText(face.type) << "\t" << (face.active ? "active" : "inactive")
+        << "\t" << field(face.postScriptName) << "\t" << field(face.family) << "\t"
+        << field(face.style) << "\t" << field(face.file.string())
+        << (face.faceIndex > 0 ? "#" + std::to_string(face.faceIndex) : "") << "\n";
+}
+
 int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
     bool activeOnly = false;
     std::string name;
@@ -141,13 +152,9 @@ int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& err
     const auto catalog = openForReading(LibraryPaths::fromEnvironment());
     const auto faces = name.empty() ? catalog->allFaces() : catalog->facesByPostScriptName(name);
     for (const auto& face : faces) {
-        if (activeOnly && !face.active) {
-            continue;
+        if (!activeOnly || face.active) {
+            printFace(face, out);
         }
-        out << face.id << "\t" << wireText(face.type) << "\t"
-            << (face.active ? "active" : "inactive") << "\t" << field(face.postScriptName) << "\t"
-            << field(face.family) << "\t" << field(face.style) << "\t" << field(face.file.string())
-            << (face.faceIndex > 0 ? "#" + std::to_string(face.faceIndex) : "") << "\n";
     }
     return 0;
 }
@@ -248,10 +255,15 @@ void printWindowlessRequests(Catalog& catalog, const std::string& kind, const ch
 void printAutomaticActivations(Catalog& catalog, std::ostream& out) {
     const auto links = catalog.autoActivatedLinks();
     out << "activated automatically" << (links.empty() ? ": none\n" : ":\n");
+    std::map<std::int64_t, std::string> askedBy;
+    for (const auto& requester : catalog.autoRequesters()) {
+        std::string& applications = askedBy[requester.faceId];
+        applications += (applications.empty() ? "" : ", ") + field(requester.application);
+    }
     for (const auto& link : links) {
         const auto face = catalog.face(link.faceId);
         out << "  " << link.faceId << "\t" << (face ? field(face->postScriptName) : "?") << "\tfor "
-            << field(link.autoFor) << "\n";
+            << askedBy[link.faceId] << "\n";
     }
 }
 
@@ -268,6 +280,7 @@ int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& e
         << "activation folder: " << paths.activationFolder().string() << "\n"
         << "faces: " << catalog.faceCount() << " (" << catalog.activeFaceCount() << " active)\n"
         << "auto-activation: " << (catalog.autoActivation() ? "on" : "off") << "\n"
+        << "auto-deactivation: " << (catalog.autoDeactivation() ? "on" : "off") << "\n"
         << "system fonts: " << (catalog.systemFonts() ? "on" : "off") << "\n"
         << "server: " << serverState() << "\n";
     printAutomaticActivations(catalog, out);
@@ -282,8 +295,8 @@ int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& e
                 << ")\n";
         }
     }
-    printWindowlessRequests(catalog, "show", "asked to show (vellumine has no window)", out);
-    printWindowlessRequests(catalog, "buy", "wish list (vellumine has no store)", out);
+    printWindowlessRequests(catalog, "show", "asked to show", out);
+    printWindowlessRequests(catalog, "buy", "wish list", out);
     return 0;
 }
 
@@ -317,10 +330,27 @@ struct Setting {
     void (Catalog::*set)(bool);
 };
 
-const std::array<Setting, 2> settings = {{
+const std::array<Setting, 3> settings = {{
     {"auto-activate", &Catalog::autoActivation, &Catalog::setAutoActivation},
+    {"auto-deactivate", &Catalog::autoDeactivation, &Catalog::setAutoDeactivation},
     {"system-fonts", &Catalog::systemFonts, &Catalog::setSystemFonts},
 }};
+
+const char* const configUsage =
+    "config [auto-activate|auto-deactivate|system-fonts on|off] [store-url TEMPLATE|default]";
+
+int storeUrlCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    const std::string& value = arguments[1];
+    if (value != "default" && !isWebAddress(value)) {
+        errors << "vellumine config: the store URL must be an http or https address, with %s "
+                  "where the font's name goes\n";
+        return usageError;
+    }
+    const auto catalog = openForWriting(LibraryPaths::fromEnvironment(), errors);
+    catalog->write([&] { catalog->setStoreUrl(value == "default" ? "" : value); });
+    out << "store-url " << (value == "default" ? defaultStoreUrl : value) << "\n";
+    return 0;
+}
 
 int configCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
     const auto paths = LibraryPaths::fromEnvironment();
@@ -329,20 +359,97 @@ int configCommand(const Arguments& arguments, std::ostream& out, std::ostream& e
         for (const auto& setting : settings) {
             out << setting.name << " " << (((*catalog).*setting.get)() ? "on" : "off") << "\n";
         }
+        const std::string store = catalog->storeUrl();
+        out << "store-url " << (store.empty() ? defaultStoreUrl + " (default)" : store) << "\n";
         return 0;
+    }
+    if (arguments.size() == 2 && arguments[0] == "store-url") {
+        return storeUrlCommand(arguments, out, errors);
     }
     const auto setting = std::find_if(settings.begin(), settings.end(), [&](const auto& known) {
         return arguments[0] == known.name;
     });
     if (arguments.size() != 2 || setting == settings.end() ||
         (arguments[1] != "on" && arguments[1] != "off")) {
-        errors << "vellumine config: usage: config [auto-activate|system-fonts on|off]\n";
+        errors << "vellumine config: usage: " << configUsage << "\n";
         return usageError;
     }
     const auto catalog = openForWriting(paths, errors);
     catalog->write([&] { ((*catalog).*setting->set)(arguments[1] == "on"); });
     out << setting->name << " " << arguments[1] << "\n";
     return 0;
+}
+
+const char* const setUsage =
+    "set [list] | set create|delete|show|activate|deactivate NAME | set add|remove NAME "
+    "ID|POSTSCRIPT-NAME...";
+
+int setCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+    const std::string verb = arguments.empty() ? "list" : arguments[0];
+    const bool takesFaces = verb == "add" || verb == "remove";
+    const bool known = verb == "list" || verb == "create" || verb == "delete" || verb == "show" ||
+                       verb == "activate" || verb == "deactivate" || takesFaces;
+    const std::size_t wanted = verb == "list" ? 1 : 2;
+    if (!known ||
+        (takesFaces ? arguments.size() < 3 : arguments.size() != wanted && !arguments.empty())) {
+        errors << "vellumine set: usage: " << setUsage << "\n";
+        return usageError;
+    }
+    const auto paths = LibraryPaths::fromEnvironment();
+    const bool reads = verb == "list" || verb == "show";
+    const auto catalog = reads ? openForReading(paths) : openForWriting(paths, errors);
+    Activation activation(*catalog, paths.activationFolder());
+    LibraryChanges changes(*catalog);
+    FaceSets sets(*catalog, activation, changes);
+    if (verb == "list") {
+        for (const auto& set : sets.all()) {
+            out << field(set.name) << "\t" << set.faceCount << " face(s)\n";
+        }
+        return 0;
+    }
+    const std::string& name = arguments[1];
+    if (verb == "create") {
+        sets.create(name);
+        out << "set " << field(name) << " created\n";
+    } else if (verb == "delete") {
+        if (!sets.remove(name)) {
+            errors << "vellumine set: no set named '" << field(name) << "'\n";
+            return 1;
+        }
+        out << "set " << field(name) << " deleted (its faces stay in the library)\n";
+    } else if (verb == "show") {
+        for (const auto& face : sets.faces(name)) {
+            printFace(face, out);
+        }
+    } else if (takesFaces) {
+        std::vector<std::int64_t> ids;
+        for (auto argument = arguments.begin() + 2; argument != arguments.end(); ++argument) {
+            if (!resolveFaces(*catalog, *argument, verb == "remove", ids, errors)) {
+                return 1;
+            }
+        }
+        verb == "add" ? sets.add(name, ids) : sets.take(name, ids);
+        out << ids.size() << " face(s) " << (verb == "add" ? "added to " : "taken from ")
+            << field(name) << "\n";
+    } else {
+        bool failed = false;
+        for (const auto& result :
+             verb == "activate" ? sets.activate(name) : sets.deactivate(name)) {
+            (result.succeeded() ? out : errors) << result.message << "\n";
+            failed = failed || !result.succeeded();
+        }
+        return failed ? 1 : 0;
+    }
+    return 0;
+}
+
+int guiCommand(const CliCommand& command, const char* name, const Arguments& arguments,
+               std::ostream& out, std::ostream& errors) {
+    if (!command) {
+        errors << "vellumine " << name << ": this vellumine was built without its window\n";
+        return 1;
+    }
+    return command(arguments, out, errors);
 }
 
 int installLauncherCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
@@ -395,6 +502,30 @@ const std::map<std::string, Command>& commands() {
           [](const Arguments& a, std::ostream& o, std::ostream& e) {
               return changeActivation(a, o, e, false);
           }}},
+        {"set",
+         {setUsage,
+          "Named sets of faces, activated and deactivated together. Without arguments (or\n"
+          "with list) lists the sets; create and delete make and remove a set (never its\n"
+          "faces); add and remove put faces in and take them out (a PostScript name that\n"
+          "several faces share must be given as a container id to add); show lists a set's\n"
+          "faces as list does; activate and deactivate change every face of the set.",
+          setCommand}},
+        {"window",
+         {"window [--show POSTSCRIPT-NAME] [--container ID]",
+          "Opens vellumine's window (Qt): the library by family, a search field, previews\n"
+          "drawn from the font files without activating them, each face's state and\n"
+          "details, sets and duplicates. --show selects a face, by container id when given,\n"
+          "else by PostScript name; a window that runs already is brought to the front on it.",
+          [](const Arguments& a, std::ostream& o, std::ostream& e) {
+              return guiCommand(guiCommands.window, "window", a, o, e);
+          }}},
+        {"open-url",
+         {"open-url URL",
+          "Opens an http or https address in the desktop's browser (through xdg-open or\n"
+          "$BROWSER). The server runs it for a buy request.",
+          [](const Arguments& a, std::ostream& o, std::ostream& e) {
+              return guiCommand(guiCommands.openUrl, "open-url", a, o, e);
+          }}},
         {"status",
          {"status",
           "Shows the catalog and activation folder, the number of faces, whether the server\n"
@@ -409,10 +540,15 @@ const std::map<std::string, Command>& commands() {
           "Exit status 1 while a problem remains.",
           checkCommand}},
         {"config",
-         {"config [auto-activate|system-fonts on|off]",
-          "Shows or changes the settings kept in the catalog, both on by default.\n"
+         {configUsage,
+          "Shows or changes the settings kept in the catalog; the switches are on by default.\n"
           "auto-activate: a font request activates each requested font that is not active and\n"
-          "of which the library holds exactly one face of the requested type.\n"
+          "of which the library holds exactly one face of the requested type; off, the reply\n"
+          "asks the application to show its fonts dialog instead.\n"
+          "auto-deactivate: faces activated automatically are deactivated a few seconds after\n"
+          "every application that asked for them has left the session bus.\n"
+          "store-url: where a buy request sends the browser, %s standing for the font's name\n"
+          "(default: a web search); a face of the library with a vendor URL opens that.\n"
           "system-fonts: a font request counts a font fontconfig already lists outside\n"
           "vellumine's activation folder as present and active (no container identifier),\n"
           "and never activates the library's copy of it.",
@@ -431,14 +567,21 @@ void printUsage(std::ostream& out) {
     for (const auto& [name, command] : commands()) {
         out << "  " << command.usage << "\n";
     }
-    out << "\n`vellumine COMMAND --help` describes a command. The library lives in\n"
-           "$XDG_DATA_HOME/vellumine/library.db; active fonts are linked into\n"
-           "$XDG_DATA_HOME/fonts/vellumine/. VELLUMINE_LOG=1 logs to standard error.\n";
+    out << "\n`vellumine COMMAND --help` describes a command, `vellumine --version` tells the\n"
+           "version. The library lives in $XDG_DATA_HOME/vellumine/library.db; active fonts\n"
+           "are linked into $XDG_DATA_HOME/fonts/vellumine/. VELLUMINE_LOG=1 logs to standard\n"
+           "error.\n";
 }
 
 } // namespace
 
-int runCli(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
+int runCli(const Arguments& arguments, std::ostream& out, std::ostream& errors,
+           const GuiCommands& gui) {
+    guiCommands = gui;
+    if (!arguments.empty() && arguments[0] == "--version") {
+        out << "vellumine " << VELLUMINE_VERSION << "\n";
+        return 0;
+    }
     if (arguments.empty() || arguments[0] == "--help" || arguments[0] == "-h" ||
         arguments[0] == "help") {
         printUsage(arguments.empty() ? errors : out);

@@ -75,7 +75,7 @@ std::optional<std::string> writeReply(FontMatcher& matcher, const Request& reque
 } // namespace
 
 bool asksForChoice(const FontMatch& match) {
-    return match.typeMatching.size() > 1 && !match.isTypeMatchingActive();
+    return !match.typeMatching.empty() && !match.isTypeMatchingActive();
 }
 
 std::string describeFace(const FaceRecord& face) {
@@ -106,8 +106,14 @@ std::string answerFontRequest(FontRequestContext& context, const Request& reques
     const SystemFonts* system = currentSystemFonts(context);
     if (catalog.autoActivation()) {
         try {
-            activateAutomatically(catalog, context.activation, context.changes, request,
-                                  application, system);
+            const AutomaticActivation automatic = activateAutomatically(
+                catalog, context.activation, context.changes, request, application, system);
+            if (context.desktop != nullptr && !automatic.activated.empty()) {
+                context.desktop->announceAutomaticActivation(application, automatic.activated);
+            }
+            if (context.desktop != nullptr && automatic.requesterRecorded) {
+                context.desktop->requesterRecorded(application);
+            }
         } catch (const std::exception& error) {
             // The application still gets its answer, with the fonts as they are.
             Logger::log("vellumine-auto", std::string("auto-activation failed: ") + error.what());

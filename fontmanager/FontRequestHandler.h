@@ -2,6 +2,7 @@
 
 #include "fontmanager/Activation.h"
 #include "fontmanager/Catalog.h"
+#include "fontmanager/Desktop.h"
 #include "fontmanager/FontMatcher.h"
 #include "fontmanager/LibraryChanges.h"
 #include "fontmanager/Request.h"
@@ -27,6 +28,7 @@ struct FontRequestContext {
     LibraryChanges& changes;
     ReplyLimits limits;
     SystemFontsCache& systemFonts;
+    Desktop* desktop = nullptr; // told of automatic activations, when there is one
 };
 
 // Answers a "fontRequest" from the library and, unless the catalog's system-fonts setting
@@ -39,9 +41,10 @@ struct FontRequestContext {
 std::string answerFontRequest(FontRequestContext& context, const Request& request,
                               const std::string& application, const std::string& protocolVersion);
 
-// Whether vellumine would rather show its own choice than let the application activate on
-// its own: several faces of the requested type match and none of them is active, so the
-// user has a choice to make.
+// Whether the user has something to decide about this font, so that the application should
+// show its fonts dialog instead of waiting for the font: the library holds faces of the
+// requested type and none of them is active (several candidates to choose from, or one that
+// auto-activation did not activate because it is off or failed).
 bool asksForChoice(const FontMatch& match);
 
 // "NimbusRoman-Regular.otf in /home/ann/fonts/urw, inactive"; a face fontconfig lists

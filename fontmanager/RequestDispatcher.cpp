@@ -3,7 +3,7 @@
 #include "fontmanager/ActivationRequestHandler.h"
 #include "fontmanager/FontRequestHandler.h"
 #include "fontmanager/ReplyWriter.h"
-#include "fontmanager/WindowlessRequestHandler.h"
+#include "fontmanager/ShowAndBuy.h"
 #include "foundation/Logger.h"
 
 #include <algorithm>
@@ -60,7 +60,8 @@ std::string RequestDispatcher::dispatch(const Request& request) {
     const std::string& version = options.protocolVersion;
     if (command == "fontRequest") {
         rememberTarget(request);
-        FontRequestContext context{catalog, activation, changes, options.replyLimits, systemFonts};
+        FontRequestContext context{catalog,     activation,     changes, options.replyLimits,
+                                   systemFonts, options.desktop};
         return answerFontRequest(context, request, requester(request), version);
     }
     if (command == "activationRequest") {
@@ -68,10 +69,10 @@ std::string RequestDispatcher::dispatch(const Request& request) {
     }
     if (command == "showRequest") {
         rememberTarget(request);
-        return answerShowRequest(catalog, request, version);
+        return answerShowRequest(catalog, request, version, options.desktop);
     }
     if (command == "buyRequest") {
-        return answerBuyRequest(catalog, request, version);
+        return answerBuyRequest(catalog, request, version, options.desktop);
     }
     Logger::log(logTag, "refused unknown command '" + command + "'");
     return errorReply("unknown command '" + command + "'");

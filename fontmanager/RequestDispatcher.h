@@ -16,6 +16,8 @@ struct DispatcherOptions {
     std::string protocolVersion = "2.0";
     RequestLimits limits;
     ReplyLimits replyLimits;
+    // The server's desktop side; none answers show and buy requests by recording them only.
+    Desktop* desktop = nullptr;
 };
 
 // Turns one request text into its reply text. Never throws: a malformed request, an
@@ -29,6 +31,7 @@ public:
                       DispatcherOptions options = {});
 
     std::string answer(const std::string& requestText);
+    void setDesktop(Desktop* desktop) { options.desktop = desktop; }
 
     static bool isSignature(const std::string& text);
 

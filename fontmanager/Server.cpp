@@ -1,12 +1,15 @@
 #include "fontmanager/Server.h"
 
 #include "fontmanager/Activation.h"
+#include "fontmanager/BusDesktop.h"
 #include "fontmanager/Catalog.h"
 #include "fontmanager/ChangeForwarder.h"
+#include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryChanges.h"
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/OpenCatalog.h"
 #include "fontmanager/RequestDispatcher.h"
+#include "fontmanager/TemporaryActivation.h"
 #include "foundation/Logger.h"
 #include "platform/Status.h"
 #include "platform/linux/DBusAppEvents.h"
@@ -55,13 +58,19 @@ int answerRequest(const Platform::AppEvent& event, std::string& reply, void* ref
     return Platform::Status::ok;
 }
 
-int pollTimeout(const Platform::Linux::DBusAppEvents& events) {
+int pollTimeout(const Platform::Linux::DBusAppEvents& events,
+                const TemporaryActivation& temporary) {
+    std::uint64_t millis = notificationPollMillis;
     const std::uint64_t busTimeout = events.timeoutUsec();
-    if (busTimeout == UINT64_MAX) {
-        return notificationPollMillis;
+    if (busTimeout != UINT64_MAX) {
+        millis = std::min<std::uint64_t>(millis, busTimeout / 1000);
     }
-    return static_cast<int>(std::min<std::uint64_t>(
-        busTimeout / 1000, static_cast<std::uint64_t>(notificationPollMillis)));
+    if (const auto deadline = temporary.nextDeadline()) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            *deadline - TemporaryActivation::Clock::now());
+        millis = std::min<std::uint64_t>(millis, std::max<std::int64_t>(left.count(), 0));
+    }
+    return static_cast<int>(millis);
 }
 
 class ChangeWatch {
@@ -90,11 +99,12 @@ private:
 
 enum class LoopEnd { stopped, busLost, failed };
 
-LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forwarder) {
+LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forwarder,
+                TemporaryActivation& temporary) {
     ChangeWatch watch;
     while (!stopRequested) {
         pollfd descriptor{events.fd(), static_cast<short>(events.events()), 0};
-        if (poll(&descriptor, 1, pollTimeout(events)) < 0 && errno != EINTR) {
+        if (poll(&descriptor, 1, pollTimeout(events, temporary)) < 0 && errno != EINTR) {
             Logger::log(logTag, std::string("poll failed: ") + std::strerror(errno));
             return LoopEnd::failed;
         }
@@ -105,6 +115,12 @@ LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forward
                 return LoopEnd::busLost;
             }
             Logger::log(logTag, "a message failed; serving on");
+        }
+        try {
+            temporary.deactivateDue(TemporaryActivation::Clock::now());
+        } catch (const std::exception& error) {
+            Logger::log(logTag, std::string("deactivating fonts of applications that left: ") +
+                                    error.what());
         }
         // The server's own changes post the notification too: one road for all of them.
         if (watch.fired()) {
@@ -178,7 +194,13 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
     Activation activation(catalog, paths.activationFolder());
     LibraryChanges changes(catalog);
     changes.warnTo(errors);
-    RequestDispatcher dispatcher(catalog, activation, changes, {options.protocolVersion, {}, {}});
+    std::unique_ptr<BusDesktop> desktop;
+    TemporaryActivation temporary(
+        catalog, activation, changes,
+        [&](const std::string& signature) { return !desktop || desktop->isRunning(signature); },
+        options.deactivationDelay);
+    RequestDispatcher dispatcher(catalog, activation, changes,
+                                 {options.protocolVersion, {}, {}, nullptr});
     ChangeForwarder forwarder(catalog,
                               [&](const std::string& signature, const Platform::AppEvent& event) {
                                   return events->sendNoReply(signature, event);
@@ -187,11 +209,17 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
     Logger::log(logTag, "serving " + serviceBusName + " with protocol version " +
                             options.protocolVersion + ", catalog " + paths.catalogFile().string());
     for (;;) {
+        desktop = std::make_unique<BusDesktop>(*events, temporary, ownExecutable());
+        dispatcher.setDesktop(desktop.get());
+        // Applications that left while no server watched them.
+        temporary.reviewRequesters(TemporaryActivation::Clock::now());
         events->installHandler(requestEventClass, "****", answerRequest, &dispatcher);
-        const LoopEnd end = runLoop(*events, forwarder);
+        const LoopEnd end = runLoop(*events, forwarder, temporary);
         if (end != LoopEnd::busLost) {
             return end == LoopEnd::stopped ? 0 : 1;
         }
+        dispatcher.setDesktop(nullptr);
+        desktop.reset();
         events.reset();
         events = reconnect(errors, exitStatus);
         if (!events) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fontmanager/LibraryPaths.h"
+#include "fontmanager/TemporaryActivation.h"
 
 #include <ostream>
 #include <string>
@@ -15,6 +16,8 @@ inline const std::string requestEventClass = "VLMQ";
 
 struct ServeOptions {
     std::string protocolVersion = "2.0";
+    // How long after an application left the bus the faces activated for it go.
+    TemporaryActivation::Clock::duration deactivationDelay = deactivationDelayFromEnvironment();
 };
 
 // Owns the bus name, answers requests and forwards library changes until SIGTERM, SIGINT

@@ -15,6 +15,7 @@ std::filesystem::path ensureFolder(const std::filesystem::path& file) {
     return file;
 }
 
+// A new catalog: schema 2, then what schema 3 adds (below).
 const char* const schema = R"(
 CREATE TABLE faces (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -70,6 +71,25 @@ ALTER TABLE links ADD COLUMN auto_for TEXT;
 CREATE TABLE settings (
     name TEXT PRIMARY KEY,
     value TEXT NOT NULL
+);
+)";
+
+// From schema 2 (and part of a new catalog): sets of faces, and the applications that asked
+// for a face activated automatically besides the one it was activated for.
+const char* const schema2to3 = R"(
+CREATE TABLE sets (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    name TEXT NOT NULL UNIQUE
+);
+CREATE TABLE set_faces (
+    set_id INTEGER NOT NULL REFERENCES sets (id) ON DELETE CASCADE,
+    face_id INTEGER NOT NULL REFERENCES faces (id) ON DELETE CASCADE,
+    PRIMARY KEY (set_id, face_id)
+);
+CREATE TABLE requesters (
+    face_id INTEGER NOT NULL REFERENCES faces (id) ON DELETE CASCADE,
+    application TEXT NOT NULL,
+    PRIMARY KEY (face_id, application)
 );
 )";
 
@@ -184,7 +204,12 @@ void SqliteCatalog::migrate() {
         throw SqliteError(db.description() + " was written by a newer vellumine (schema " +
                           std::to_string(current) + ")");
     }
-    db.execute(current == 0 ? schema : schema1to2);
+    if (current == 0) {
+        db.execute(schema);
+    } else if (current == 1) {
+        db.execute(schema1to2);
+    }
+    db.execute(schema2to3);
     db.execute("PRAGMA user_version = " + std::to_string(schemaVersion));
 }
 
@@ -454,6 +479,125 @@ bool SqliteCatalog::systemFonts() {
 
 void SqliteCatalog::setSystemFonts(bool on) {
     setSetting("system-fonts", on);
+}
+
+std::string SqliteCatalog::textSetting(const std::string& name) {
+    SqliteStatement& statement =
+        db.prepare("SELECT value FROM settings WHERE name = ?").bind(1, name);
+    const std::string value = statement.step() ? statement.text(0) : "";
+    statement.reset();
+    return value;
+}
+
+void SqliteCatalog::setTextSetting(const std::string& name, const std::string& value) {
+    db.prepare("INSERT INTO settings (name, value) VALUES (?, ?) "
+               "ON CONFLICT (name) DO UPDATE SET value = excluded.value")
+        .bind(1, name)
+        .bind(2, value)
+        .run();
+}
+
+bool SqliteCatalog::autoDeactivation() {
+    return setting("auto-deactivate");
+}
+
+void SqliteCatalog::setAutoDeactivation(bool on) {
+    setSetting("auto-deactivate", on);
+}
+
+std::string SqliteCatalog::storeUrl() {
+    return textSetting("store-url");
+}
+
+void SqliteCatalog::setStoreUrl(const std::string& urlTemplate) {
+    setTextSetting("store-url", urlTemplate);
+}
+
+std::int64_t SqliteCatalog::createSet(const std::string& name) {
+    if (const auto existing = setByName(name)) {
+        return *existing;
+    }
+    db.prepare("INSERT INTO sets (name) VALUES (?)").bind(1, name).run();
+    return db.lastInsertedRow();
+}
+
+std::optional<std::int64_t> SqliteCatalog::setByName(const std::string& name) {
+    SqliteStatement& statement = db.prepare("SELECT id FROM sets WHERE name = ?").bind(1, name);
+    std::optional<std::int64_t> id;
+    if (statement.step()) {
+        id = statement.integer(0);
+    }
+    statement.reset();
+    return id;
+}
+
+bool SqliteCatalog::deleteSet(const std::string& name) {
+    const auto id = setByName(name);
+    if (!id) {
+        return false;
+    }
+    db.prepare("DELETE FROM set_faces WHERE set_id = ?").bind(1, *id).run();
+    db.prepare("DELETE FROM sets WHERE id = ?").bind(1, *id).run();
+    return true;
+}
+
+std::vector<FaceSet> SqliteCatalog::sets() {
+    SqliteStatement& statement =
+        db.prepare("SELECT s.id, s.name, count(m.face_id) FROM sets s "
+                   "LEFT JOIN set_faces m ON m.set_id = s.id GROUP BY s.id ORDER BY s.name");
+    std::vector<FaceSet> result;
+    while (statement.step()) {
+        result.push_back({statement.integer(0), statement.text(1), statement.integer(2)});
+    }
+    return result;
+}
+
+void SqliteCatalog::addToSet(std::int64_t setId, std::int64_t faceId) {
+    db.prepare("INSERT OR IGNORE INTO set_faces (set_id, face_id) VALUES (?, ?)")
+        .bind(1, setId)
+        .bind(2, faceId)
+        .run();
+}
+
+void SqliteCatalog::removeFromSet(std::int64_t setId, std::int64_t faceId) {
+    db.prepare("DELETE FROM set_faces WHERE set_id = ? AND face_id = ?")
+        .bind(1, setId)
+        .bind(2, faceId)
+        .run();
+}
+
+std::vector<std::int64_t> SqliteCatalog::setMembers(std::int64_t setId) {
+    SqliteStatement& statement =
+        db.prepare("SELECT face_id FROM set_faces WHERE set_id = ? ORDER BY face_id")
+            .bind(1, setId);
+    std::vector<std::int64_t> ids;
+    while (statement.step()) {
+        ids.push_back(statement.integer(0));
+    }
+    return ids;
+}
+
+std::vector<AutoRequester> SqliteCatalog::autoRequesters() {
+    SqliteStatement& statement = db.prepare(
+        "SELECT face_id, auto_for FROM links WHERE auto_for IS NOT NULL "
+        "UNION SELECT r.face_id, r.application FROM requesters r "
+        "JOIN links l ON l.face_id = r.face_id AND l.auto_for IS NOT NULL ORDER BY 1, 2");
+    std::vector<AutoRequester> result;
+    while (statement.step()) {
+        result.push_back({statement.integer(0), statement.text(1)});
+    }
+    return result;
+}
+
+void SqliteCatalog::addRequester(std::int64_t faceId, const std::string& application) {
+    db.prepare("INSERT OR IGNORE INTO requesters (face_id, application) VALUES (?, ?)")
+        .bind(1, faceId)
+        .bind(2, application)
+        .run();
+}
+
+void SqliteCatalog::clearRequesters(std::int64_t faceId) {
+    db.prepare("DELETE FROM requesters WHERE face_id = ?").bind(1, faceId).run();
 }
 
 } // namespace Vellumine

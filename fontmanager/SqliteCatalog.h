@@ -11,7 +11,7 @@ namespace Vellumine {
 // The font library in an SQLite file of the user's own (library URL "sqlite:PATH").
 class SqliteCatalog : public Catalog {
 public:
-    static constexpr int schemaVersion = 2;
+    static constexpr int schemaVersion = 3;
     using Access = SqliteDatabase::Access;
 
     // Opens or creates the catalog file (and its folder) and brings its schema up to date.
@@ -72,9 +72,28 @@ public:
     bool systemFonts() override;
     void setSystemFonts(bool on) override;
 
+    std::int64_t createSet(const std::string& name) override;
+    std::optional<std::int64_t> setByName(const std::string& name) override;
+    bool deleteSet(const std::string& name) override;
+    std::vector<FaceSet> sets() override;
+    void addToSet(std::int64_t setId, std::int64_t faceId) override;
+    void removeFromSet(std::int64_t setId, std::int64_t faceId) override;
+    std::vector<std::int64_t> setMembers(std::int64_t setId) override;
+
+    std::vector<AutoRequester> autoRequesters() override;
+    void addRequester(std::int64_t faceId, const std::string& application) override;
+    void clearRequesters(std::int64_t faceId) override;
+
+    bool autoDeactivation() override;
+    void setAutoDeactivation(bool on) override;
+    std::string storeUrl() override;
+    void setStoreUrl(const std::string& urlTemplate) override;
+
 private:
     bool setting(const std::string& name);
     void setSetting(const std::string& name, bool on);
+    std::string textSetting(const std::string& name);
+    void setTextSetting(const std::string& name, const std::string& value);
     void retrying(const std::function<void()>& work);
     void migrate();
     std::vector<FaceRecord> faces(SqliteStatement& statement);

@@ -36,6 +36,7 @@ public:
     // Ignoring ASCII case, under any of the face's family names.
     std::vector<const SystemFace*> byFamily(const std::string& family) const;
     std::size_t size() const { return faces.size(); }
+    const std::vector<SystemFace>& all() const { return faces; }
 
 private:
     void add(SystemFace face);

@@ -80,12 +80,45 @@ TEST_F(CommandLineTest, AutomaticActivationsAreListedDeactivatedTogetherAndCanBe
              {{"config", "auto-activate", "off"}, 0},
              {{"config", "system-fonts", "off"}, 0},
              {{"config", "auto-activate", "maybe"}, 2},
-             {{"config", "colour", "on"}, 2}}) {
+             {{"config", "colour", "on"}, 2},
+             {{"config", "store-url", "file:///etc/passwd?%s"}, 2},
+             {{"config", "store-url", "https://fonts.example.com/find?q=%s"}, 0}}) {
         EXPECT_EQ(run(arguments).status, expected) << arguments[1] << " " << arguments[2];
     }
-    EXPECT_EQ(run({"config"}).out, "auto-activate off\nsystem-fonts off\n");
+    EXPECT_EQ(run({"config"}).out, "auto-activate off\nauto-deactivate on\nsystem-fonts off\n"
+                                   "store-url https://fonts.example.com/find?q=%s\n");
     answerFontRequest("DejaVuSerif");
     EXPECT_EQ(run({"list", "--active"}).out.find("DejaVuSerif"), std::string::npos);
+}
+
+TEST_F(CommandLineTest, SetsAreActivatedAndDeactivatedTogether) {
+    run({"add", dejaVuSans.string(), dejaVuSerif.string(), nimbusRomanType1.string()});
+    struct Step {
+        std::vector<std::string> arguments;
+        int status;
+        std::string out; // expected in standard output
+    };
+    for (const Step& step : std::vector<Step>{
+             {{"set", "create", "Brochure"}, 0, "set Brochure created"},
+             {{"set", "add", "Brochure", "DejaVuSans", "3"}, 0, "2 face(s) added"},
+             {{"set", "add", "Brochure", "Nowhere"}, 1, ""},
+             {{"set", "add", "Missing", "1"}, 1, ""},
+             {{"set", "create", "bad\nname"}, 1, ""},
+             {{"set"}, 0, "Brochure	2 face(s)"},
+             {{"set", "activate", "Brochure"}, 0, "NimbusRoman-Regular activated"},
+             {{"list", "--active"}, 0, "DejaVuSans"},
+             {{"set", "remove", "Brochure", "DejaVuSans"}, 0, "1 face(s) taken from Brochure"},
+             {{"set", "deactivate", "Brochure"}, 0, "NimbusRoman-Regular deactivated"},
+             {{"list", "--active"}, 0, "DejaVuSans"}, // no longer in the set: stays active
+             {{"set", "delete", "Brochure"}, 0, "its faces stay"},
+             {{"set", "show", "Brochure"}, 1, ""},
+             {{"set", "frobnicate", "Brochure"}, 2, ""},
+         }) {
+        const Run result = run(step.arguments);
+        EXPECT_EQ(result.status, step.status) << step.arguments[0] << result.errors;
+        EXPECT_NE(result.out.find(step.out), std::string::npos) << result.out;
+    }
+    EXPECT_EQ(run({"list", "--active"}).out.find("Nimbus"), std::string::npos);
 }
 
 TEST_F(CommandLineTest, CheckSaysWhetherTheLibraryAndItsLinksAgree) {

@@ -167,8 +167,10 @@ TEST_F(RequestHandlingTest, ActivatesOnItsOwnOnlyWhereThereIsNoChoice) {
     }
     EXPECT_EQ(posts, 2); // each automatic activation announced
 
+    // Off, the user decides: the application is asked to show its fonts dialog rather than
+    // to wait for a font that will not come.
     catalog.setAutoActivation(false);
-    answerFont("<psName>DejaVuSans</psName>\n");
+    expectElements(answerFont("<psName>DejaVuSans</psName>\n"), {"isActive=false", "showWindow=1"});
     EXPECT_EQ(catalog.activeFaceCount(), 0);
 }
 

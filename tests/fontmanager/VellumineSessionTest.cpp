@@ -5,11 +5,11 @@
 #include "PrivateSession.h"
 #include "tests/support/FontRecords.h"
 
-#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "link/NotifiyHandlerFactory.h"
 #include "link/VLMController.h"
 #include "link/VLMFontActivateEvent.h"
@@ -20,9 +20,14 @@
 
 #include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
+#include <systemd/sd-bus.h>
 
+#include <csignal>
 #include <fstream>
+#include <set>
+#include <sstream>
 #include <sys/wait.h>
+#include <thread>
 
 namespace Vellumine {
 namespace {
@@ -40,6 +45,8 @@ class VellumineSession : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(session.ok()) << session.error();
+        // Faces activated for an application go this soon after it left (5 s by default).
+        setenv("VELLUMINE_AUTO_DEACTIVATE_DELAY", "0.3", 1);
         installLauncher(session.dataHome(), VELLUMINE_EXECUTABLE);
         {
             SqliteCatalog catalog(LibraryPaths::fromEnvironment().catalogFile());
@@ -57,7 +64,36 @@ protected:
         VLM::NotifiyHandlerFactory::getNotifyHandler(true);
     }
 
-    void TearDown() override { host.reset(); }
+    void TearDown() override {
+        host.reset();
+        unsetenv("VELLUMINE_AUTO_DEACTIVATE_DELAY");
+    }
+
+    // Galley's name on the bus again, after a test made it leave.
+    void hostReturns() {
+        int status = 0;
+        host = Platform::Linux::DefaultServices::install("org.galley.Galley", status);
+        ASSERT_EQ(status, Platform::Status::ok);
+    }
+
+    std::string requestFrom(const std::string& postScriptName) {
+        return sendRaw("<cmd>fontRequest</cmd>\n<targetApp>InDn</targetApp>\n<font>\n<psName>" +
+                       postScriptName + "</psName>\n</font>\n</cmd>\n");
+    }
+
+    // The process that owns a bus name, so that what vellumine started ends with the test.
+    pid_t ownerOf(const std::string& name) {
+        sd_bus* bus = host->bus()->bus();
+        sd_bus_message* reply = nullptr;
+        std::uint32_t pid = 0;
+        if (sd_bus_call_method(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                               "org.freedesktop.DBus", "GetConnectionUnixProcessID", nullptr,
+                               &reply, "s", name.c_str()) >= 0) {
+            sd_bus_message_read(reply, "u", &pid);
+        }
+        sd_bus_message_unref(reply);
+        return static_cast<pid_t>(pid);
+    }
 
     bool vellumineRuns() {
         Platform::RunningApplication process;
@@ -226,6 +262,176 @@ TEST_F(VellumineSession, HostileRequestsAndRepliesTooBigForTheBusAreAnsweredWith
     EXPECT_NE(refused.find("ask for fewer fonts"), std::string::npos);
 
     EXPECT_TRUE(servesOn());
+}
+
+// A font request is one application's wish: what vellumine activated for Galley goes soon
+// after Galley leaves the bus (unless the user turned that off); the user's own stays.
+TEST_F(VellumineSession, FacesActivatedForAnApplicationGoAfterItLeavesTheBus) {
+    launch();
+    ASSERT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "activate", "1"}), 0); // NimbusRoman-Regular.t1
+    ASSERT_NE(requestFrom("DejaVuSans").find("<isActive>true</isActive>"), std::string::npos);
+    ASSERT_EQ(fontconfigFaces("DejaVuSans"), 1);
+
+    host.reset(); // Galley quits
+    EXPECT_TRUE(VlmTest::waitFor([&] { return fontconfigFaces("DejaVuSans") == 0; }));
+    EXPECT_EQ(fontconfigFaces("NimbusRoman-Regular"), 1);
+
+    hostReturns();
+    requestFrom("DejaVuSans");
+    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "config", "auto-deactivate", "off"}), 0);
+    host.reset();
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500)); // five grace periods
+    EXPECT_EQ(fontconfigFaces("DejaVuSans"), 1);
+}
+
+// A desktop notification server of the test's own: records what vellumine announces.
+class NotificationServer {
+public:
+    struct Notification {
+        std::uint32_t replaces;
+        std::string summary, body;
+    };
+
+    NotificationServer() {
+        sd_bus_open_user(&bus);
+        sd_bus_add_object_vtable(bus, nullptr, "/org/freedesktop/Notifications",
+                                 "org.freedesktop.Notifications", vtable, this);
+        owned = sd_bus_request_name(bus, "org.freedesktop.Notifications", 0) >= 0;
+    }
+    ~NotificationServer() { sd_bus_flush_close_unref(bus); }
+
+    bool received(std::size_t count) {
+        return VlmTest::waitFor([&] {
+            while (sd_bus_process(bus, nullptr) > 0) {
+            }
+            return notifications.size() >= count;
+        });
+    }
+
+    bool owned = false;
+    std::vector<Notification> notifications;
+
+private:
+    static int notify(sd_bus_message* message, void* userdata, sd_bus_error*) {
+        auto* self = static_cast<NotificationServer*>(userdata);
+        const char *application, *icon, *summary, *body;
+        std::uint32_t replaces = 0;
+        sd_bus_message_read(message, "susss", &application, &replaces, &icon, &summary, &body);
+        self->notifications.push_back({replaces, summary, body});
+        return sd_bus_reply_method_return(message, "u",
+                                          static_cast<std::uint32_t>(self->notifications.size()));
+    }
+    static constexpr sd_bus_vtable vtable[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD("Notify", "susssasa{sv}i", "u", notify, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_VTABLE_END};
+    sd_bus* bus = nullptr;
+};
+
+TEST_F(VellumineSession, EachAutomaticActivationIsOneNotificationReplacingThePrevious) {
+    NotificationServer desktop;
+    ASSERT_TRUE(desktop.owned);
+    launch();
+    requestFrom("DejaVuSans");
+    ASSERT_TRUE(desktop.received(1));
+    EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "deactivate", "--auto"}), 0);
+    requestFrom("DejaVuSans");
+    ASSERT_TRUE(desktop.received(2));
+    const auto& second = desktop.notifications[1];
+    EXPECT_EQ(second.summary + " / " + second.body, "Fonts activated for Galley / DejaVuSans");
+    EXPECT_EQ(desktop.notifications[0].replaces, 0u);
+    EXPECT_EQ(second.replaces, 1u); // the first one's identifier
+}
+
+// An X server of the test's own (Xvfb), for what needs a display.
+class VirtualDisplay {
+public:
+    explicit VirtualDisplay(VlmTest::PrivateSession& session) {
+        for (int attempt = 0; attempt < 20 && name.empty(); ++attempt) {
+            const int number = 100 + (getpid() + attempt * 37) % 800;
+            const std::string socket = "/tmp/.X11-unix/X" + std::to_string(number);
+            if (std::filesystem::exists(socket) ||
+                std::filesystem::exists("/tmp/.X" + std::to_string(number) + "-lock")) {
+                continue;
+            }
+            const pid_t pid = session.spawn({"/usr/bin/Xvfb", ":" + std::to_string(number),
+                                             "-nolisten", "tcp", "-screen", "0", "1024x768x24"});
+            if (VlmTest::waitFor([&] { return std::filesystem::exists(socket); },
+                                 std::chrono::seconds(5)) &&
+                kill(pid, 0) == 0) {
+                name = ":" + std::to_string(number);
+            }
+        }
+    }
+    std::string name;
+};
+
+// With a display, a show request brings vellumine's window up on the face (started when it
+// does not run, reused when it does) and a buy request opens the browser: on the vendor URL
+// of a face the library holds, else on a store search for the name.
+TEST_F(VellumineSession, ShowAndBuyReachTheWindowAndTheBrowserWhenThereIsADisplay) {
+    if (!std::filesystem::exists("/usr/bin/Xvfb")) {
+        GTEST_SKIP() << "Xvfb (Debian package xvfb) is not installed";
+    }
+    VirtualDisplay display(session);
+    ASSERT_FALSE(display.name.empty());
+    setenv("DISPLAY", display.name.c_str(), 1);
+    ScratchFolder scratch;
+    const auto opened = scratch.path() / "opened";
+    const auto browser =
+        scratch.write("browser", "#!/bin/sh\necho \"$1\" >>" + opened.string() + "\n");
+    std::filesystem::permissions(browser, std::filesystem::perms::owner_all);
+    setenv("BROWSER", browser.c_str(), 1);
+    ASSERT_EQ(
+        runToEnd({VELLUMINE_EXECUTABLE, "config", "store-url", "https://fonts.example.com/?q=%s"}),
+        0);
+    launch();
+
+    const auto title = [&] {
+        sd_bus_message* reply = nullptr;
+        const char* text = "";
+        std::string result;
+        if (sd_bus_call_method(host->bus()->bus(), "org.vellumine.Vellumine.Window",
+                               "/org/vellumine/Window", "org.vellumine.Window1", "Title", nullptr,
+                               &reply, "") >= 0 &&
+            sd_bus_message_read(reply, "s", &text) >= 0) {
+            result = text;
+        }
+        sd_bus_message_unref(reply);
+        return result;
+    };
+    const auto show = [&](const std::string& font) {
+        return sendRaw("<cmd>showRequest</cmd>\n<targetApp>InDn</targetApp>\n<font>\n" + font +
+                       "</font>\n</cmd>\n");
+    };
+    const std::string shown =
+        show("<containerID>2</containerID>\n<psName>NimbusRoman-Regular</psName>\n");
+    EXPECT_NE(shown.find("shown in vellumine's window"), std::string::npos) << shown;
+    ASSERT_TRUE(
+        VlmTest::waitFor([&] { return host->bus()->hasOwner("org.vellumine.Vellumine.Window"); }));
+    session.killLater(ownerOf("org.vellumine.Vellumine.Window"));
+    EXPECT_TRUE(VlmTest::waitFor([&] { return title() == "NimbusRoman-Regular — Vellumine"; }))
+        << title();
+    show("<psName>DejaVuSans</psName>\n");
+    EXPECT_TRUE(VlmTest::waitFor([&] { return title() == "DejaVuSans — Vellumine"; })) << title();
+
+    for (const char* font : {"DejaVuSans", "Imaginary Serif"}) {
+        sendRaw(std::string("<cmd>buyRequest</cmd>\n<font>\n<psName>") + font +
+                "</psName>\n</font>\n</cmd>\n");
+    }
+    // Each opens in a process of its own, so in either order.
+    const std::set<std::string> expected = {"http://dejavu.sourceforge.net",
+                                            "https://fonts.example.com/?q=Imaginary%20Serif"};
+    const auto openedLines = [&] {
+        std::set<std::string> lines;
+        std::istringstream text(readFile(opened));
+        for (std::string line; std::getline(text, line);) {
+            lines.insert(line);
+        }
+        return lines;
+    };
+    EXPECT_TRUE(VlmTest::waitFor([&] { return openedLines() == expected; })) << readFile(opened);
+    unsetenv("BROWSER");
 }
 
 } // namespace

@@ -50,6 +50,12 @@ PrivateSession::PrivateSession() {
     saveAndSet("XDG_DATA_DIRS", dataDir(0) + ":" + dataDir(1));
     saveAndSet("XDG_CONFIG_HOME", root_ + "/config");
     saveAndSet("XDG_CACHE_HOME", root_ + "/cache");
+    // No display unless a test gives the world one: a font manager would open its window
+    // and the browser on the user's desktop.
+    for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        saveAndSet(display, "");
+        unsetenv(display);
+    }
 }
 
 // A session bus of its own that listens in the folder only and never starts services. The

@@ -1,7 +1,8 @@
-#include "fontmanager/WindowlessRequestHandler.h"
+#include "fontmanager/ShowAndBuy.h"
 
 #include "fontmanager/FontMatcher.h"
 #include "fontmanager/ReplyWriter.h"
+#include "fontmanager/StoreUrl.h"
 #include "foundation/Logger.h"
 
 namespace Vellumine {
@@ -22,10 +23,14 @@ void record(Catalog& catalog, const std::string& kind, const Request& request) {
     }
 }
 
+bool onDisplay(Desktop* desktop, const Request& request) {
+    return desktop != nullptr && !request.fonts.empty() && desktop->hasDisplay();
+}
+
 } // namespace
 
 std::string answerShowRequest(Catalog& catalog, const Request& request,
-                              const std::string& protocolVersion) {
+                              const std::string& protocolVersion, Desktop* desktop) {
     record(catalog, "show", request);
     ReplyWriter reply("showReply", protocolVersion);
     catalog.read([&] {
@@ -44,16 +49,27 @@ std::string answerShowRequest(Catalog& catalog, const Request& request,
         }
     });
     reply.element("showWindow", std::string("0"));
-    reply.element("message", std::string("recorded; see vellumine status"));
-    return reply.finish();
+    if (onDisplay(desktop, request)) {
+        const RequestFont& first = request.fonts.front();
+        desktop->showFace(first.containerID, first.psName);
+        return reply.element("message", std::string("shown in vellumine's window")).finish();
+    }
+    return reply.element("message", std::string("recorded; see vellumine status")).finish();
 }
 
 std::string answerBuyRequest(Catalog& catalog, const Request& request,
-                             const std::string& protocolVersion) {
+                             const std::string& protocolVersion, Desktop* desktop) {
     record(catalog, "buy", request);
-    return ReplyWriter("buyReply", protocolVersion)
-        .element("message", std::string("vellumine has no store; recorded on the wish list, "
-                                        "see vellumine status"))
+    ReplyWriter reply("buyReply", protocolVersion);
+    if (onDisplay(desktop, request)) {
+        const std::string url = buyUrl(catalog, request.fonts.front().psName);
+        desktop->openUrl(url);
+        return reply.element("message", "opened " + url + " in the browser; also on the wish list")
+            .finish();
+    }
+    return reply
+        .element("message", std::string("no display to open a store on; recorded on the wish "
+                                        "list, see vellumine status"))
         .finish();
 }
 

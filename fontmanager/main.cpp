@@ -1,7 +1,0 @@
-#include "fontmanager/Cli.h"
-
-#include <iostream>
-
-int main(int argc, char** argv) {
-    return Vellumine::runCli(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
-}
