@@ -76,6 +76,12 @@ void checkFolder(Catalog& catalog, const std::filesystem::path& folder, bool rep
     }
 }
 
+void checkLinks(Catalog& catalog, const std::filesystem::path& folder, bool repair,
+                LibraryCheckReport& report) {
+    checkRecordedLinks(catalog, repair, report);
+    checkFolder(catalog, folder, repair, report);
+}
+
 void check(Catalog& catalog, const std::filesystem::path& folder, bool repair,
            LibraryCheckReport& report) {
     for (const auto& problem : catalog.integrityProblems()) {
@@ -85,8 +91,7 @@ void check(Catalog& catalog, const std::filesystem::path& folder, bool repair,
         report.problems.push_back("face " + std::to_string(id) + " has the unknown type '" + type +
                                   "' and is left out of listings");
     }
-    checkRecordedLinks(catalog, repair, report);
-    checkFolder(catalog, folder, repair, report);
+    checkLinks(catalog, folder, repair, report);
 }
 
 } // namespace
@@ -101,6 +106,18 @@ LibraryCheckReport checkLibrary(Catalog& catalog, const std::filesystem::path& a
     catalog.write([&] {
         report = {};
         check(catalog, activationFolder, repair, report);
+    });
+    return report;
+}
+
+LibraryCheckReport reconcileLinks(Catalog& catalog, const std::filesystem::path& activationFolder) {
+    LibraryCheckReport report;
+    if (catalog.isReadOnly()) {
+        return report;
+    }
+    catalog.write([&] {
+        report = {};
+        checkLinks(catalog, activationFolder, true, report);
     });
     return report;
 }

@@ -169,7 +169,7 @@ std::unique_ptr<Platform::Linux::DBusAppEvents> reconnect(std::ostream& errors, 
 }
 
 void reconcile(Catalog& catalog, const LibraryPaths& paths) {
-    const LibraryCheckReport report = checkLibrary(catalog, paths.activationFolder(), true);
+    const LibraryCheckReport report = reconcileLinks(catalog, paths.activationFolder());
     for (const auto& problem : report.problems) {
         Logger::log(logTag, "found on start: " + problem);
     }
