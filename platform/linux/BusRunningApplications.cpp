@@ -5,6 +5,8 @@
 #include "platform/linux/DBusAppEvents.h"
 #include "platform/linux/SignatureTable.h"
 
+#include <thread>
+
 namespace Platform::Linux {
 
 namespace {
@@ -29,8 +31,17 @@ long ownerProcessID(sd_bus* bus, const std::string& name) {
 
 } // namespace
 
+void BusRunningApplications::waitForPollInterval() {
+    const auto next = lastAsked_ + pollInterval;
+    if (std::chrono::steady_clock::now() < next) {
+        std::this_thread::sleep_until(next);
+    }
+    lastAsked_ = std::chrono::steady_clock::now();
+}
+
 int BusRunningApplications::list(std::vector<RunningApplication>& applications) {
     applications.clear();
+    waitForPollInterval();
     std::vector<RunningApplication> found;
     for (const auto& entry : signatureTable()) {
         long pid = ownerProcessID(events_.bus(), entry.busName);

@@ -2,6 +2,8 @@
 
 #include "platform/RunningApplications.h"
 
+#include <chrono>
+
 namespace Platform::Linux {
 
 class DBusAppEvents;
@@ -9,14 +11,24 @@ class DBusAppEvents;
 // The applications of the signature table whose bus names have an owner, in table order,
 // each with the owner's process ID (GetConnectionUnixProcessID). Uses the connection of
 // `events`, which must outlive this object; called on that connection's thread.
+//
+// A caller that polls (the plug-in waits this way for a font manager it has just launched)
+// asks the bus at most once per `pollInterval`: back to back, the calls kept the bus daemon
+// and this process busy on both cores of a small machine while the launched program needed
+// one of them to start.
 class BusRunningApplications : public Platform::RunningApplications {
 public:
+    static constexpr std::chrono::microseconds pollInterval{2000};
+
     explicit BusRunningApplications(DBusAppEvents& events) : events_(events) {}
     // Status::transportError when the bus cannot be asked; the list is then empty.
     int list(std::vector<RunningApplication>& applications) override;
 
 private:
+    void waitForPollInterval();
+
     DBusAppEvents& events_;
+    std::chrono::steady_clock::time_point lastAsked_{};
 };
 
 } // namespace Platform::Linux
