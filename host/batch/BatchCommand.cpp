@@ -61,7 +61,7 @@ std::optional<BatchOptions> parseOptions(const std::vector<std::string>& argumen
 }
 
 int countMissing(GalleySession& session, IdmlDocument& document, TerminalPresenter& view) {
-    session.fonts().UpdateFontList();
+    session.fonts().takeInChanges();
     const std::string name = std::filesystem::path(document.path()).filename().string();
     bool onlyInStyles = false;
     view.status(printableText(name) + ": " +

@@ -62,12 +62,13 @@ int32 SessionFontMgr::GetFontCount(bool, int32 filter) const {
 }
 
 bool SessionFontMgr::UpdateFontList() {
-    bool changed = source_.changedSinceLoad();
-    if (!changed && changeWait_) {
+    if (changeWait_ && !source_.changedSinceLoad())
         changeWait_();
-        changed = source_.changedSinceLoad();
-    }
-    if (!changed || !adopt(source_.load()))
+    return takeInChanges();
+}
+
+bool SessionFontMgr::takeInChanges() {
+    if (!source_.changedSinceLoad() || !adopt(source_.load()))
         return false;
     subject_.Change(kFontSystemChangedMessage, IID_IFONTMGR, nullptr);
     return true;

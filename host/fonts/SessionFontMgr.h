@@ -1,8 +1,8 @@
 #pragma once
 
+#include "host/base/Subject.h"
 #include "host/fonts/InstalledFace.h"
 #include "host/fonts/InstalledFont.h"
-#include "host/base/Subject.h"
 #include "sdk/IFontMgr.h"
 
 #include <functional>
@@ -20,6 +20,9 @@ public:
 
     int32 GetFontCount(bool afterPendingUpdate, int32 filter) const override;
     bool UpdateFontList() override;
+    // Takes in what the folders hold now, without waiting for a change: for Galley's own
+    // reports, which want the present state rather than the next change.
+    bool takeInChanges();
     IPMFont* QueryFont(const PMString& name) const override;
     int32 GetNumFontFamilies() const override;
     IFontFamily* GetNthFontFamily(int32 index) const override;

@@ -86,7 +86,7 @@ bool DocumentHub::fontChangesPending() const {
 void DocumentHub::fontFoldersChanged() {
     fontChangePending_ = false;
     // The font manager announces the change to its observers (plug-ins among them).
-    calls_.guarded("", "the font-system change", [&] { session_.fonts().UpdateFontList(); });
+    calls_.guarded("", "the font-system change", [&] { session_.fonts().takeInChanges(); });
     refreshFontWatch();
 }
 
