@@ -113,14 +113,11 @@ int addCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
     Catalog& catalog = *catalogFile;
     FaceReader reader;
     LibraryImporter importer(catalog, reader);
+    importer.sendMessagesTo([&](LibraryImporter::MessageKind kind, const std::string& message) {
+        (kind == LibraryImporter::MessageKind::problem ? errors : out) << message << '\n';
+    });
     const ImportReport report =
         importer.add(std::vector<std::filesystem::path>(arguments.begin(), arguments.end()));
-    for (const auto& message : report.messages) {
-        (message.rfind("skipped ", 0) == 0 || message.find(": no such") != std::string::npos
-             ? errors
-             : out)
-            << message << "\n";
-    }
     out << report.facesAdded << " face(s) added, " << report.facesKnown << " already known, "
         << report.filesSkipped << " file(s) skipped\n";
     if (report.facesAdded > 0 || report.facesKnown > 0) {

@@ -19,8 +19,10 @@ std::string lowercase(std::string text) {
 
 } // namespace
 
-LibraryImporter::LibraryImporter(Catalog& catalog, const FaceReader& reader)
-    : catalog(catalog), reader(reader) {}
+LibraryImporter::LibraryImporter(Catalog& catalog, const FaceReader& reader,
+                                 std::size_t filesPerTransaction)
+    : catalog(catalog), reader(reader),
+      filesPerTransaction(std::max<std::size_t>(1, filesPerTransaction)) {}
 
 bool LibraryImporter::hasFontExtension(const std::filesystem::path& file) {
     static const std::array<std::string, 7> extensions = {".pfb", ".pfa", ".t1", ".ttf",
@@ -49,38 +51,65 @@ ImportReport LibraryImporter::add(const std::vector<std::filesystem::path>& path
         const auto status = std::filesystem::status(path, error);
         if (error || !std::filesystem::exists(status)) {
             report.missingPaths = true;
-            report.messages.push_back(path.string() + ": no such file or folder");
+            tell(report, MessageKind::problem, path.string() + ": no such file or folder");
         } else if (std::filesystem::is_directory(status)) {
             readFolder(path, report, files);
         } else {
             readFile(path, report, files);
+            flush(files, report, false);
         }
     }
-    record(files, report);
+    flush(files, report, true);
     return report;
+}
+
+void LibraryImporter::tell(ImportReport& report, MessageKind kind, std::string message) {
+    if (messageSink) {
+        messageSink(kind, message);
+    } else {
+        report.messages.push_back(std::move(message));
+    }
+}
+
+void LibraryImporter::flush(std::vector<ReadFile>& files, ImportReport& report, bool force) {
+    if (files.empty() || (!force && files.size() < filesPerTransaction)) {
+        return;
+    }
+    record(files, report);
+    files.clear();
 }
 
 void LibraryImporter::readFolder(const std::filesystem::path& folder, ImportReport& report,
                                  std::vector<ReadFile>& files) {
+    // One folder's entries at a time, in name order: memory follows the largest folder,
+    // not the whole tree.
     std::error_code error;
-    std::filesystem::recursive_directory_iterator walk(
-        folder, std::filesystem::directory_options::skip_permission_denied, error);
-    std::vector<std::filesystem::path> found;
-    for (; !error && walk != std::filesystem::recursive_directory_iterator();
-         walk.increment(error)) {
+    std::vector<std::filesystem::path> fontFiles;
+    std::vector<std::filesystem::path> subfolders;
+    for (std::filesystem::directory_iterator
+             entries(folder, std::filesystem::directory_options::skip_permission_denied, error),
+         end;
+         !error && entries != end; entries.increment(error)) {
         std::error_code typeError;
-        if (walk->is_regular_file(typeError) && hasFontExtension(walk->path())) {
-            found.push_back(walk->path());
+        if (entries->is_directory(typeError) && !entries->is_symlink(typeError)) {
+            subfolders.push_back(entries->path());
+        } else if (entries->is_regular_file(typeError) && hasFontExtension(entries->path())) {
+            fontFiles.push_back(entries->path());
         }
     }
     if (error) {
-        report.messages.push_back(folder.string() + ": cannot read folder (" + error.message() +
-                                  ")");
+        tell(report, MessageKind::problem,
+             folder.string() + ": cannot read folder (" + error.message() + ")");
         report.missingPaths = true;
     }
-    std::sort(found.begin(), found.end()); // the same folder gives the same identifiers
-    for (const auto& file : found) {
+    std::sort(fontFiles.begin(), fontFiles.end());
+    std::sort(subfolders.begin(), subfolders.end());
+    for (const auto& file : fontFiles) {
         readFile(file, report, files);
+        flush(files, report, false);
+    }
+    for (const auto& subfolder : subfolders) {
+        readFolder(subfolder, report, files);
     }
 }
 
@@ -90,18 +119,18 @@ void LibraryImporter::readFile(const std::filesystem::path& file, ImportReport& 
     const auto canonical = std::filesystem::canonical(file, error);
     if (error) {
         report.filesSkipped++;
-        report.messages.push_back("skipped " + file.string() + ": " + error.message());
+        tell(report, MessageKind::problem, "skipped " + file.string() + ": " + error.message());
         return;
     }
     // Opening a FIFO would wait for a writer, a device would be read without end.
     if (!std::filesystem::is_regular_file(canonical, error)) {
         report.filesSkipped++;
-        report.messages.push_back("skipped " + file.string() + ": not a regular file");
+        tell(report, MessageKind::problem, "skipped " + file.string() + ": not a regular file");
         return;
     }
     FontFileReading reading = reader.read(canonical);
     for (const auto& problem : reading.problems) {
-        report.messages.push_back("skipped " + canonical.string() + ": " + problem);
+        tell(report, MessageKind::problem, "skipped " + canonical.string() + ": " + problem);
         Logger::log("vellumine-add", canonical.string() + ": " + problem);
     }
     if (reading.faces.empty()) {
@@ -131,7 +160,9 @@ void LibraryImporter::record(const std::vector<ReadFile>& files, ImportReport& r
     });
     report.facesAdded += counts.facesAdded;
     report.facesKnown += counts.facesKnown;
-    report.messages.insert(report.messages.end(), messages.begin(), messages.end());
+    for (auto& message : messages) {
+        tell(report, MessageKind::progress, std::move(message));
+    }
 }
 
 } // namespace Vellumine

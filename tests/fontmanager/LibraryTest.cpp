@@ -1,10 +1,10 @@
 #include "FontFixtures.h"
 
 #include "fontmanager/Activation.h"
-#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
+#include "fontmanager/SqliteCatalog.h"
 
 #include <gtest/gtest.h>
 
@@ -89,6 +89,34 @@ TEST_F(LibraryTest, AddsFoldersRecursivelySkipsDamagedFilesAndReportsMissingPath
     const auto type1 = catalog.facesByPostScriptName("NimbusRoman-Regular");
     ASSERT_EQ(type1.size(), 1u);
     EXPECT_EQ(type1[0].metricsFile.filename(), "NimbusRoman-Regular.afm");
+}
+
+TEST_F(LibraryTest, AddsInBatchesInNameOrderAndStreamsItsMessages) {
+    const auto folder = scratch.path() / "incoming";
+    for (const char* name : {"b/2.ttf", "a/1.ttf", "0.ttf", "a/0.ttf"}) {
+        std::filesystem::create_directories((folder / name).parent_path());
+        std::filesystem::copy_file(dejaVuSans, folder / name);
+    }
+    scratch.write("incoming/a/broken.ttf", "garbage");
+    LibraryImporter batched(catalog, reader, 2);
+    std::vector<std::string> progress;
+    std::vector<std::string> problems;
+    batched.sendMessagesTo([&](LibraryImporter::MessageKind kind, const std::string& message) {
+        (kind == LibraryImporter::MessageKind::problem ? problems : progress).push_back(message);
+    });
+
+    const ImportReport report = batched.add({folder});
+    EXPECT_EQ(report.facesAdded, 4);
+    EXPECT_EQ(report.filesSkipped, 1);
+    EXPECT_TRUE(report.messages.empty());
+    EXPECT_EQ(progress.size(), 4u);
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_NE(problems[0].find("broken.ttf"), std::string::npos);
+    // A folder's own files first, then its folders, each in name order.
+    std::vector<std::string> order;
+    for (const auto& face : catalog.facesByPostScriptName("DejaVuSans"))
+        order.push_back(std::filesystem::relative(face.file, folder).string());
+    EXPECT_EQ(order, (std::vector<std::string>{"0.ttf", "a/0.ttf", "a/1.ttf", "b/2.ttf"}));
 }
 
 TEST_F(LibraryTest, ReAddingKeepsIdentifiersAcrossReopening) {
