@@ -18,7 +18,7 @@ done
 
 root="$world/root"
 dpkg-deb -x "$deb" "$root"
-for file in usr/bin/galley usr/bin/vellumine usr/bin/notifyutil \
+for file in usr/bin/galley usr/bin/vellumine usr/bin/notifyutil usr/libexec/vellumine/vellumine-window \
     usr/lib/galley/libgalley-sdk.so usr/lib/galley/libgalley-foundation.so usr/lib/galley/libgalley-platform.so \
     usr/lib/galley/plug-ins/libvellumine-link.so usr/lib/galley/plug-ins/vellumine-link/strings.en \
     usr/share/man/man1/galley.1.gz usr/share/man/man1/vellumine.1.gz \

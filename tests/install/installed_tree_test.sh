@@ -12,7 +12,7 @@ prefix="$world/prefix"
 cmake --install "$build" --prefix "$prefix" >"$world/install.log" 2>&1 ||
     fail "cmake --install: $(cat "$world/install.log")"
 
-for file in bin/galley bin/vellumine bin/notifyutil \
+for file in bin/galley bin/vellumine bin/notifyutil libexec/vellumine/vellumine-window \
     lib/galley/libgalley-sdk.so lib/galley/libgalley-foundation.so lib/galley/libgalley-platform.so \
     lib/galley/plug-ins/libvellumine-link.so lib/galley/plug-ins/vellumine-link/strings.en \
     lib/galley/plug-ins/vellumine-link/FontsDialog.ui \
@@ -21,6 +21,9 @@ for file in bin/galley bin/vellumine bin/notifyutil \
     share/mime/packages/org.galley.Galley.xml; do
     expect_file "$prefix/$file"
 done
+# The server an application launches maps no toolkit; its window is a program of its own.
+! ldd "$prefix/bin/vellumine" | grep -q libQt6 || fail "vellumine loads Qt"
+"$prefix/bin/vellumine" window --help >/dev/null || fail "vellumine window does not reach vellumine-window"
 grep -qx "Exec=$prefix/bin/vellumine serve" "$prefix/share/applications/org.vellumine.Vellumine.Launcher3.desktop" ||
     fail "the launcher does not start the installed vellumine"
 grep -qx "Exec=$prefix/bin/vellumine serve" "$prefix/share/dbus-1/services/org.vellumine.Vellumine.service" ||
