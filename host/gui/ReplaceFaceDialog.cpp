@@ -1,0 +1,147 @@
+#include "host/gui/ReplaceFaceDialog.h"
+
+#include "host/fonts/SessionFontMgr.h"
+#include "host/gui/GuiText.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace Galley {
+
+namespace {
+
+constexpr int familyRole = Qt::UserRole;
+constexpr int styleRole = Qt::UserRole + 1;
+
+QFont faceFont(const QString& family, const QString& style, qreal pointSize) {
+    QFont font(family);
+    font.setStyleName(style);
+    font.setPointSizeF(pointSize);
+    return font;
+}
+
+} // namespace
+
+ReplaceFaceDialog::ReplaceFaceDialog(const SessionFontMgr& fonts, const QString& replacing,
+                                     bool onlyInStyles, QWidget* parent)
+    : QDialog(parent) {
+    setWindowTitle(GuiText::tr("Replace Font"));
+    auto* layout = new QVBoxLayout(this);
+    auto* caption = new QLabel(GuiText::tr("Replace “%1” with:").arg(replacing), this);
+    layout->addWidget(caption);
+    search_ = new QLineEdit(this);
+    search_->setObjectName("search");
+    search_->setPlaceholderText(GuiText::tr("Search installed fonts"));
+    search_->setAccessibleName(GuiText::tr("Search installed fonts"));
+    search_->setClearButtonEnabled(true);
+    layout->addWidget(search_);
+    faces_ = new QListWidget(this);
+    faces_->setObjectName("faceList");
+    faces_->setAccessibleName(GuiText::tr("Installed fonts"));
+    caption->setBuddy(faces_);
+    layout->addWidget(faces_, 1);
+    preview_ = new QLabel(this);
+    preview_->setObjectName("preview");
+    preview_->setAccessibleName(GuiText::tr("Preview"));
+    preview_->setMinimumHeight(56);
+    preview_->setAlignment(Qt::AlignCenter);
+    preview_->setFrameShape(QFrame::StyledPanel);
+    layout->addWidget(preview_);
+    styles_ =
+        new QCheckBox(GuiText::tr("Also in &styles (redefine the styles that name it)"), this);
+    styles_->setObjectName("alsoInStyles");
+    // A face named by styles alone is only mended there.
+    styles_->setChecked(onlyInStyles);
+    layout->addWidget(styles_);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    buttons->button(QDialogButtonBox::Ok)->setText(GuiText::tr("&Replace"));
+    layout->addWidget(buttons);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(search_, &QLineEdit::textChanged, this, [this](const QString& text) { filter(text); });
+    connect(faces_, &QListWidget::currentRowChanged, this, [this, buttons] {
+        showPreview();
+        buttons->button(QDialogButtonBox::Ok)->setEnabled(chosenFace().has_value());
+    });
+    connect(faces_, &QListWidget::itemDoubleClicked, this, &QDialog::accept);
+    fill(fonts);
+    buttons->button(QDialogButtonBox::Ok)->setEnabled(false);
+    search_->setFocus();
+    resize(460, 520);
+}
+
+void ReplaceFaceDialog::fill(const SessionFontMgr& fonts) {
+    struct Face {
+        QString family, style, title;
+    };
+    std::vector<Face> installed;
+    for (const InstalledFont* font : fonts.installedFonts()) {
+        if (!font->installed)
+            continue;
+        const QString family = QString::fromStdString(font->GetFamilyName().GetUTF8String());
+        const QString style = QString::fromStdString(font->GetStyleName().GetUTF8String());
+        installed.push_back({family, style, family + ' ' + style});
+    }
+    std::sort(installed.begin(), installed.end(), [](const Face& a, const Face& b) {
+        return QString::localeAwareCompare(a.title, b.title) < 0;
+    });
+    // URW's faces come as Type 1 and OpenType both: one entry each.
+    installed.erase(std::unique(installed.begin(), installed.end(),
+                                [](const Face& a, const Face& b) { return a.title == b.title; }),
+                    installed.end());
+    const qreal size = font().pointSizeF() * 1.2;
+    for (const Face& face : installed) {
+        auto* item = new QListWidgetItem(face.title, faces_);
+        item->setData(familyRole, face.family);
+        item->setData(styleRole, face.style);
+        item->setFont(faceFont(face.family, face.style, size));
+    }
+}
+
+void ReplaceFaceDialog::filter(const QString& text) {
+    const QStringList words = text.split(' ', Qt::SkipEmptyParts);
+    QListWidgetItem* firstShown = nullptr;
+    for (int row = 0; row < faces_->count(); ++row) {
+        QListWidgetItem* item = faces_->item(row);
+        const bool shown = std::all_of(words.begin(), words.end(), [&](const QString& word) {
+            return item->text().contains(word, Qt::CaseInsensitive);
+        });
+        item->setHidden(!shown);
+        if (shown && !firstShown)
+            firstShown = item;
+    }
+    if (faces_->currentItem() && faces_->currentItem()->isHidden())
+        faces_->setCurrentItem(firstShown);
+}
+
+void ReplaceFaceDialog::showPreview() {
+    QListWidgetItem* item = faces_->currentItem();
+    if (!item) {
+        preview_->clear();
+        return;
+    }
+    preview_->setFont(faceFont(item->data(familyRole).toString(), item->data(styleRole).toString(),
+                               font().pointSizeF() * 2));
+    preview_->setText(GuiText::tr("The quick brown fox jumps over the lazy dog"));
+}
+
+std::optional<FontKey> ReplaceFaceDialog::chosenFace() const {
+    const QListWidgetItem* item = faces_->currentItem();
+    if (!item || item->isHidden())
+        return std::nullopt;
+    return FontKey{item->data(familyRole).toString().toStdString(),
+                   item->data(styleRole).toString().toStdString()};
+}
+
+bool ReplaceFaceDialog::alsoInStyles() const {
+    return styles_->isChecked();
+}
+
+} // namespace Galley
