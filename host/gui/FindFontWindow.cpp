@@ -3,6 +3,7 @@
 #include "host/document/IdmlDocument.h"
 #include "host/gui/GuiText.h"
 #include "host/gui/ReplaceFaceDialog.h"
+#include "host/gui/ScreenFit.h"
 #include "host/runtime/DocumentHub.h"
 
 #include <QDialogButtonBox>
@@ -66,7 +67,7 @@ FindFontWindow::FindFontWindow(DocumentHub& documents, const SessionFontMgr& fon
     connect(replace_, &QPushButton::clicked, this, [this] { chooseReplacement(); });
     connect(list_, &QTreeWidget::itemSelectionChanged, this, [this] { selectionChanged(); });
     connect(list_, &QTreeWidget::itemDoubleClicked, this, [this] { chooseReplacement(); });
-    resize(720, 360);
+    resize(fittedToScreen(*this, {720, 360}));
     refresh();
 }
 

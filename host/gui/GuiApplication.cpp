@@ -6,9 +6,11 @@
 #include "host/runtime/HostProcess.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QIcon>
 #include <QLocale>
 #include <QTranslator>
+#include <QWindow>
 
 #include <cstdlib>
 
@@ -35,6 +37,21 @@ void setUpApplication(QApplication& application, QTranslator& translator) {
         application.installTranslator(&translator);
 }
 
+namespace {
+
+// Dialogs are centred over the window: it must be where the window manager put it first.
+// Bounded, for a window manager that never maps it.
+void waitUntilPlaced(QWidget& window) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!(window.windowHandle() && window.windowHandle()->isExposed()) &&
+           waited.elapsed() < 2000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+}
+
+} // namespace
+
 int runGui(int argc, char** argv, const std::string& document, const std::string& executable) {
     QApplication application(argc, argv);
     QTranslator translator;
@@ -49,6 +66,7 @@ int runGui(int argc, char** argv, const std::string& document, const std::string
     presenter.setOnStatus(
         [&](const std::string& text) { window.showStatus(QString::fromStdString(text)); });
     window.show();
+    waitUntilPlaced(window);
     if (!document.empty())
         window.openLater(QString::fromStdString(document));
     runtime.loop().runUntil([&] { return window.closed(); }, std::nullopt);

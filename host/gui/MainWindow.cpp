@@ -2,11 +2,13 @@
 
 #include "host/document/IdmlDocument.h"
 #include "host/gui/AboutGalley.h"
+#include "host/gui/AccessKeys.h"
 #include "host/gui/DocumentPrompts.h"
 #include "host/gui/DocumentView.h"
 #include "host/gui/FindFontWindow.h"
 #include "host/gui/GuiText.h"
 #include "host/gui/QtPresenter.h"
+#include "host/gui/ScreenFit.h"
 #include "host/runtime/Runtime.h"
 #include "host/session/GalleySession.h"
 #include "sdk/HostIdentifiers.h"
@@ -47,7 +49,7 @@ DocumentPrompts& promptsOrOwn(DocumentPrompts* given, std::unique_ptr<DocumentPr
 MainWindow::MainWindow(Runtime& runtime, QtPresenter& presenter, DocumentPrompts* prompts)
     : runtime_(runtime), prompts_(promptsOrOwn(prompts, ownPrompts_, this)),
       controller_(runtime.documents(), prompts_, recent_) {
-    resize(900, 640);
+    resize(fittedToScreen(*this, {900, 640}));
     setAcceptDrops(true);
     view_ = new DocumentView(this);
     setCentralWidget(view_);
@@ -88,13 +90,20 @@ void MainWindow::connectMenus() {
 }
 
 void MainWindow::addPluginMenus(QMenuBar& bar) {
+    // The plug-ins' menus and entries get access keys the menu bar leaves free.
+    AccessKeys barKeys;
+    for (QAction* menu : bar.actions())
+        barKeys.caption(menu, menu->text());
+    barKeys.caption(&barKeys, GuiText::tr("&Help")); // added after these
     std::map<std::string, QMenu*> pluginMenus;
+    std::map<QMenu*, AccessKeys> entryKeys;
     for (const auto& item : runtime_.plugins().menu()) {
         QMenu*& menu = pluginMenus[item.plugin];
         if (!menu)
-            menu = bar.addMenu(QString::fromStdString(item.plugin));
+            menu = bar.addMenu(barKeys.caption(&menu, QString::fromStdString(item.plugin)));
         const std::string name = item.name;
-        menu->addAction(QString::fromStdString(item.title), this, [this, name] {
+        const QString title = QString::fromStdString(item.title);
+        menu->addAction(entryKeys[menu].caption(&item, title), this, [this, name] {
             runtime_.loop().post([this, name] {
                 runtime_.invokeAction(name);
                 refreshDocument();

@@ -2,6 +2,7 @@
 
 #include "host/dialogs/Dialog.h"
 #include "host/dialogs/DialogText.h"
+#include "host/gui/ScreenFit.h"
 #include "host/gui/TreeRowsModel.h"
 #include "host/loop/MainLoop.h"
 #include "sdk/HostIdentifiers.h"
@@ -130,7 +131,14 @@ QtDialogView::QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent)
     window_->setWindowTitle(QString::fromStdString(dialog.displayText(PMString(dialog.title()))));
     // A tree of fonts needs room for its columns.
     if (window_->findChild<QTreeView*>())
-        window_->resize(std::max(window_->width(), 820), std::max(window_->height(), 440));
+        window_->resize(fittedToScreen(
+            *window_, {std::max(window_->width(), 820), std::max(window_->height(), 440)}));
+    // A list of installed fonts needs room for more than a handful of them.
+    else if (window_->findChild<QListWidget*>())
+        window_->resize(fittedToScreen(
+            *window_, {std::max(window_->width(), 440), std::max(window_->height(), 420)}));
+    else
+        window_->resize(fittedToScreen(*window_, window_->size()));
     window_->setWindowModality(Qt::ApplicationModal);
     // The description's geometry places the window at the screen's corner; without it,
     // QDialog centres the window over its parent when it is shown.

@@ -2,6 +2,7 @@
 
 #include "host/fonts/SessionFontMgr.h"
 #include "host/gui/GuiText.h"
+#include "host/gui/ScreenFit.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -74,7 +75,7 @@ ReplaceFaceDialog::ReplaceFaceDialog(const SessionFontMgr& fonts, const QString&
     fill(fonts);
     buttons->button(QDialogButtonBox::Ok)->setEnabled(false);
     search_->setFocus();
-    resize(460, 520);
+    resize(fittedToScreen(*this, {460, 520}));
 }
 
 void ReplaceFaceDialog::fill(const SessionFontMgr& fonts) {
