@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -20,6 +21,30 @@ namespace {
 
 constexpr int familyRole = Qt::UserRole;
 constexpr int styleRole = Qt::UserRole + 1;
+
+// The arrow and page keys typed in the search field move through the list, as in a
+// desktop's file and font choosers, so the hands stay on the keyboard.
+class ListKeysFromSearch : public QObject {
+public:
+    ListKeysFromSearch(QListWidget& list, QObject* parent) : QObject(parent), list_(list) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        switch (static_cast<QKeyEvent*>(event)->key()) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown:
+            QCoreApplication::sendEvent(&list_, event);
+            return true;
+        default:
+            return false;
+        }
+    }
+
+private:
+    QListWidget& list_;
+};
 
 QFont faceFont(const QString& family, const QString& style, qreal pointSize) {
     QFont font(family);
@@ -52,7 +77,11 @@ ReplaceFaceDialog::ReplaceFaceDialog(const SessionFontMgr& fonts, const QString&
     preview_->setObjectName("preview");
     preview_->setAccessibleName(GuiText::tr("Preview"));
     preview_->setMinimumHeight(56);
-    preview_->setAlignment(Qt::AlignCenter);
+    // A wide face's sample is cut at the edge rather than widening the dialog.
+    preview_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    preview_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    preview_->setMargin(6);
+    preview_->setMargin(6);
     preview_->setFrameShape(QFrame::StyledPanel);
     layout->addWidget(preview_);
     styles_ =
@@ -66,6 +95,7 @@ ReplaceFaceDialog::ReplaceFaceDialog(const SessionFontMgr& fonts, const QString&
     layout->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    search_->installEventFilter(new ListKeysFromSearch(*faces_, search_));
     connect(search_, &QLineEdit::textChanged, this, [this](const QString& text) { filter(text); });
     connect(faces_, &QListWidget::currentRowChanged, this, [this, buttons] {
         showPreview();
@@ -129,7 +159,7 @@ void ReplaceFaceDialog::showPreview() {
         return;
     }
     preview_->setFont(faceFont(item->data(familyRole).toString(), item->data(styleRole).toString(),
-                               font().pointSizeF() * 2));
+                               font().pointSizeF() * 1.6));
     preview_->setText(GuiText::tr("The quick brown fox jumps over the lazy dog"));
 }
 
