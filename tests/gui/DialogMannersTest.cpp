@@ -4,11 +4,14 @@
 #include "GuiFixture.h"
 
 #include "host/gui/AccessKeys.h"
+#include "host/gui/ScreenFit.h"
 
 #include <QApplication>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
+#include <QTranslator>
 #include <QTreeView>
 
 #include <set>
@@ -145,6 +148,24 @@ TEST_F(DialogManners, EveryButtonOfTheFontsDialogHasItsOwnAccessKeyAndWidgetsHav
         EXPECT_TRUE(keys.insert(key).second) << "shared key in " << caption.toStdString();
     }
     EXPECT_EQ(treeName.toStdString(), "Font tree");
+}
+
+TEST(Screen, AWindowAskingForMoreThanTheScreenGetsWhatFitsWithRoomForItsFrame) {
+    QWidget widget;
+    const QSize available = widget.screen()->availableGeometry().size();
+    EXPECT_EQ(Galley::fittedToScreen(widget, {300, 200}), QSize(300, 200));
+    const QSize fitted = Galley::fittedToScreen(widget, available * 2);
+    EXPECT_LT(fitted.width(), available.width());
+    EXPECT_LT(fitted.height(), available.height());
+    EXPECT_GT(fitted.width(), available.width() * 8 / 10);
+}
+
+TEST(Translations, TheEnglishCatalogueIsBuiltInUnderTheWindowsContext) {
+    QTranslator english;
+    ASSERT_TRUE(english.load(QLocale(QLocale::English), "galley", "_", ":/i18n"));
+    EXPECT_EQ(english.translate("GuiText", "&Save").toStdString(), "&Save")
+        << "lupdate's context and the one GuiText::tr asks for are the same";
+    EXPECT_EQ(english.translate("GuiText", "Find Font").toStdString(), "Find Font");
 }
 
 struct KeyCase {

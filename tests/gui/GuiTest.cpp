@@ -119,6 +119,7 @@ TEST_F(Gui, ADoubleClickInTheReplacementDialogChoosesTheFontAndOKReplacesIt) {
     ASSERT_TRUE(openAndPlay()) << "steps played: " << user->played();
     EXPECT_EQ(pinkRuns(), 0);
     EXPECT_TRUE(runtime->documents().front()->IsModified());
+    EXPECT_TRUE(window->isWindowModified()) << "the title marks the replacement";
 }
 
 } // namespace
