@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QMenu>
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <QUrl>
@@ -121,7 +122,7 @@ TEST_F(DocumentState, ASaveThatFailsKeepsTheDocumentAndSaysWhy) {
 }
 
 // Every road that gives up the document, with each answer to the question.
-enum class Road { closeButton, quit, open, closeDocument, drop };
+enum class Road { closeButton, quit, open, closeDocument, recent, drop };
 
 struct PromptCase {
     Road road;
@@ -145,6 +146,15 @@ protected:
         case Road::closeDocument:
             window->menus().close->trigger();
             break;
+        case Road::recent: {
+            Galley::RecentFiles().add(other);
+            emit window->menus().recent->aboutToShow();
+            const auto entries = window->menus().recent->actions();
+            for (QAction* entry : entries)
+                if (entry->toolTip() == other)
+                    entry->trigger();
+            break;
+        }
         case Road::drop: {
             QMimeData data;
             data.setUrls(
@@ -187,14 +197,16 @@ TEST_P(EveryRoad, AsksBeforeGivingUpChangesAndDoesWhatTheAnswerSays) {
 
 std::vector<PromptCase> everyCase() {
     std::vector<PromptCase> cases;
-    for (Road road : {Road::closeButton, Road::quit, Road::open, Road::closeDocument, Road::drop})
+    for (Road road :
+         {Road::closeButton, Road::quit, Road::open, Road::closeDocument, Road::recent, Road::drop})
         for (Answer answer : {Answer::save, Answer::discard, Answer::cancel})
             cases.push_back({road, answer});
     return cases;
 }
 
 std::string caseName(const ::testing::TestParamInfo<PromptCase>& info) {
-    static const char* const roads[] = {"CloseButton", "Quit", "Open", "CloseDocument", "Drop"};
+    static const char* const roads[] = {"CloseButton",   "Quit",   "Open",
+                                        "CloseDocument", "Recent", "Drop"};
     static const char* const answers[] = {"Save", "Discard", "Cancel"};
     return std::string(roads[static_cast<int>(info.param.road)]) +
            answers[static_cast<int>(info.param.answer)];
