@@ -17,11 +17,18 @@ namespace Galley {
 
 namespace {
 
+QString countOf(int count, const QString& one, const QString& many) {
+    return count == 1 ? one : many.arg(count);
+}
+
+QString runsOfText(int count) {
+    return countOf(count, GuiText::tr("1 run of text"), GuiText::tr("%1 runs of text"));
+}
+
 QString usedIn(const FaceUse& use) {
     QStringList parts;
     if (use.textRuns > 0)
-        parts << (use.textRuns == 1 ? GuiText::tr("1 run of text")
-                                    : GuiText::tr("%1 runs of text").arg(use.textRuns));
+        parts << runsOfText(use.textRuns);
     if (use.compositeRuns > 0)
         parts << GuiText::tr("%1 in composite fonts").arg(use.compositeRuns);
     if (!use.styles.empty()) {
@@ -123,12 +130,16 @@ void FindFontWindow::replace(int row, const FontKey& to, bool styles) {
                    : GuiText::tr("Nothing was replaced: only styles name it; tick “Also in "
                                  "styles” to redefine them.");
     } else {
-        said = GuiText::tr("Replaced %1 by %2 in %3 runs of text")
-                   .arg(title(use), QString::fromStdString(faceTitle(to)))
-                   .arg(result.runsReplaced);
-        if (!result.styles.empty())
-            said += GuiText::tr(" and %1 styles").arg(result.styles.size());
-        said += '.';
+        const int styles = static_cast<int>(result.styles.size());
+        const QString where =
+            styles == 0 ? runsOfText(result.runsReplaced)
+            : result.runsReplaced == 0
+                ? countOf(styles, GuiText::tr("1 style"), GuiText::tr("%1 styles"))
+                : GuiText::tr("%1 and %2")
+                      .arg(runsOfText(result.runsReplaced),
+                           countOf(styles, GuiText::tr("1 style"), GuiText::tr("%1 styles")));
+        said = GuiText::tr("Replaced %1 by %2 in %3.")
+                   .arg(title(use), QString::fromStdString(faceTitle(to)), where);
     }
     outcome_->setText(said);
     refresh();

@@ -81,8 +81,14 @@ void MainWindow::connectMenus() {
             openLater(path);
     });
     connect(menus_.recent, &QMenu::aboutToShow, this, [this] { fillRecentMenu(); });
-    connect(menus_.save, &QAction::triggered, this, [this] { controller_.save(); });
-    connect(menus_.saveAs, &QAction::triggered, this, [this] { controller_.saveAs(); });
+    connect(menus_.save, &QAction::triggered, this, [this] {
+        if (controller_.save())
+            showSaved();
+    });
+    connect(menus_.saveAs, &QAction::triggered, this, [this] {
+        if (controller_.saveAs())
+            showSaved();
+    });
     connect(menus_.close, &QAction::triggered, this, [this] { controller_.close(); });
     connect(menus_.quit, &QAction::triggered, this, [this] { close(); });
     connect(menus_.findFont, &QAction::triggered, this, [this] { showFindFont(); });
@@ -161,6 +167,11 @@ void MainWindow::refreshDocument() {
 
 QString MainWindow::missingFontsText() const {
     return missing_->text();
+}
+
+void MainWindow::showSaved() {
+    if (const IdmlDocument* document = controller_.document())
+        showStatus(GuiText::tr("Saved %1").arg(QString::fromStdString(document->path())));
 }
 
 void MainWindow::showStatus(const QString& text) {

@@ -56,6 +56,7 @@ private:
     void connectMenus();
     void addPluginMenus(QMenuBar& bar);
     void fillRecentMenu();
+    void showSaved();
 
     Runtime& runtime_;
     std::unique_ptr<DocumentPrompts> ownPrompts_;

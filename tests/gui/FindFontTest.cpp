@@ -50,7 +50,7 @@ TEST_F(FindFont, ReplacingAFaceInTextAndStylesMendsTheDocumentAndEverythingFollo
     ASSERT_EQ(window->missingFontsText().toStdString(), "1 missing font");
     findFont.replace(0, {"DejaVu Sans", "Book"}, true);
     EXPECT_EQ(findFont.outcome().toStdString(),
-              "Replaced TeX Gyre Heros Bold by DejaVu Sans Book in 1 runs of text and 1 styles.");
+              "Replaced TeX Gyre Heros Bold by DejaVu Sans Book in 1 run of text and 1 style.");
     EXPECT_TRUE(window->isWindowModified());
     EXPECT_EQ(window->windowTitle().toStdString(), "brochure.idml[*] — Galley");
     EXPECT_EQ(pinkRuns(), 0);

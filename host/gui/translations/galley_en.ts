@@ -120,14 +120,6 @@
         <translation>Nothing was replaced: only styles name it; tick “Also in styles” to redefine them.</translation>
     </message>
     <message>
-        <source>Replaced %1 by %2 in %3 runs of text</source>
-        <translation>Replaced %1 by %2 in %3 runs of text</translation>
-    </message>
-    <message>
-        <source> and %1 styles</source>
-        <translation> and %1 styles</translation>
-    </message>
-    <message>
         <source>&amp;File</source>
         <translation>&amp;File</translation>
     </message>
@@ -234,6 +226,26 @@
     <message>
         <source>The quick brown fox jumps over the lazy dog</source>
         <translation>The quick brown fox jumps over the lazy dog</translation>
+    </message>
+    <message>
+        <source>1 style</source>
+        <translation>1 style</translation>
+    </message>
+    <message>
+        <source>%1 styles</source>
+        <translation>%1 styles</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 and %2</translation>
+    </message>
+    <message>
+        <source>Replaced %1 by %2 in %3.</source>
+        <translation>Replaced %1 by %2 in %3.</translation>
+    </message>
+    <message>
+        <source>Saved %1</source>
+        <translation>Saved %1</translation>
     </message>
 </context>
 </TS>
