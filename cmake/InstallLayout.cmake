@@ -71,6 +71,10 @@ function(vlm_install_layout)
     if(TARGET galley)
         vlm_install_configured_file(INPUT "${packaging}/org.galley.Galley.desktop.in"
             NAME org.galley.Galley.desktop DESTINATION "${datadir}/applications")
+        install(FILES "${packaging}/org.galley.Galley.svg"
+            DESTINATION "${datadir}/icons/hicolor/scalable/apps")
+        install(FILES "${packaging}/org.galley.Galley.png"
+            DESTINATION "${datadir}/icons/hicolor/256x256/apps")
         install(FILES "${packaging}/org.galley.Galley.mime.xml"
             DESTINATION "${datadir}/mime/packages" RENAME org.galley.Galley.xml)
         vlm_install_man_page("${PROJECT_SOURCE_DIR}/docs/man/galley.1")

@@ -20,6 +20,7 @@ void printUsage(std::ostream& out) {
            "       galley fonts FILE.idml [--json]\n"
            "       galley replace FILE.idml FROM TO [--styles] [--output OUT.idml]\n"
            "       galley [FILE.idml]\n"
+           "       galley --version | --help\n"
            "\n"
            "  --batch   open the document without a window; the plug-ins respond and their "
            "dialogs\n"
@@ -27,6 +28,8 @@ void printUsage(std::ostream& out) {
            "  fonts     print the document's fonts, missing first (no plug-ins)\n"
            "  replace   set the text in font FROM in the installed font TO and save\n"
            "            (galley replace --help for more)\n"
+           "  --version print Galley's version\n"
+           "  --help    print this help\n"
            "\n"
            "Example: galley --batch brochure.idml\n";
 }
@@ -43,6 +46,11 @@ std::string executablePath(const char* argv0) {
 
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
+    // Answered before anything else, with or without a display.
+    if (!arguments.empty() && (arguments[0] == "--version" || arguments[0] == "-V")) {
+        std::cout << "galley " << GALLEY_VERSION << '\n';
+        return 0;
+    }
 #ifdef GALLEY_WITH_GUI
     // Without a document, the window opens empty (File ▸ Open).
     if (arguments.empty() && Galley::guiAvailable())

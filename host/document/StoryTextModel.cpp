@@ -38,7 +38,9 @@ bool StoryTextModel::runsOver(TextIndex start, TextIndex end, std::size_t& first
 }
 
 const std::vector<const StoryTextModel::RunAttributes*>& StoryTextModel::attributes() const {
-    if (cachedRevision_ != story_.revision()) {
+    // A run's font comes from its styles too: a redefined style changes it.
+    const std::pair revision{story_.revision(), document_.styles().revision()};
+    if (cachedRevision_ != revision) {
         attributes_.clear();
         distinct_.clear();
         for (const StoryRun& run : story_.runs()) {
@@ -53,7 +55,7 @@ const std::vector<const StoryTextModel::RunAttributes*>& StoryTextModel::attribu
                     FontFamilyAttribute(family), FontFaceAttribute(PMString(key.style))});
             attributes_.push_back(shared.get());
         }
-        cachedRevision_ = story_.revision();
+        cachedRevision_ = revision;
     }
     return attributes_;
 }

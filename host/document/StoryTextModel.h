@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Galley {
@@ -51,7 +52,7 @@ private:
     IdmlDocument& document_;
     mutable std::vector<const RunAttributes*> attributes_;
     mutable std::map<std::pair<UID, std::string>, std::unique_ptr<RunAttributes>> distinct_;
-    mutable unsigned cachedRevision_ = ~0u;
+    mutable std::pair<unsigned, unsigned> cachedRevision_{~0u, ~0u}; // story's, styles'
 };
 
 } // namespace Galley

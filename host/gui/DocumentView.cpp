@@ -10,9 +10,7 @@
 #include <QFontDatabase>
 #include <QTextCursor>
 
-
 namespace Galley {
-
 
 DocumentView::DocumentView(QWidget* parent) : QTextEdit(parent) {
     setReadOnly(true);

@@ -2,6 +2,7 @@
 
 #include "host/dialogs/Dialog.h"
 #include "host/dialogs/DialogText.h"
+#include "host/gui/ScreenFit.h"
 #include "host/gui/TreeRowsModel.h"
 #include "host/loop/MainLoop.h"
 #include "sdk/HostIdentifiers.h"
@@ -12,11 +13,13 @@
 #include <QEvent>
 #include <QFile>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTreeView>
 #include <QUiLoader>
 
@@ -75,13 +78,28 @@ private:
     Widget& model_;
 };
 
-// Closing the window by its frame cancels the dialog, as its Cancel button would.
+// A name for assistive technologies where the description gives none: "fontTree" → "Font
+// tree".
+QString readableName(const QString& objectName) {
+    QString words;
+    for (const QChar c : objectName) {
+        if (c.isUpper() && !words.isEmpty())
+            words += ' ';
+        words += words.isEmpty() ? c.toUpper() : c.toLower();
+    }
+    return words;
+}
+
+// Closing the window by its frame, or Escape, cancels the dialog as its Cancel button would.
+// QDialog's own Escape would only hide the window, leaving the dialog waiting unseen.
 class DialogWindowFilter : public QObject {
 public:
     DialogWindowFilter(Dialog& dialog, MainLoop& loop, QObject* parent)
         : QObject(parent), dialog_(dialog), loop_(loop) {}
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Close) {
+        const bool escape = event->type() == QEvent::KeyPress &&
+                            static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel);
+        if (event->type() == QEvent::Close || escape) {
             event->ignore();
             loop_.post([dialog = &dialog_] { dialog->cancel(); });
             return true;
@@ -113,8 +131,18 @@ QtDialogView::QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent)
     window_->setWindowTitle(QString::fromStdString(dialog.displayText(PMString(dialog.title()))));
     // A tree of fonts needs room for its columns.
     if (window_->findChild<QTreeView*>())
-        window_->resize(std::max(window_->width(), 820), std::max(window_->height(), 440));
+        window_->resize(fittedToScreen(
+            *window_, {std::max(window_->width(), 820), std::max(window_->height(), 440)}));
+    // A list of installed fonts needs room for more than a handful of them.
+    else if (window_->findChild<QListWidget*>())
+        window_->resize(fittedToScreen(
+            *window_, {std::max(window_->width(), 440), std::max(window_->height(), 420)}));
+    else
+        window_->resize(fittedToScreen(*window_, window_->size()));
     window_->setWindowModality(Qt::ApplicationModal);
+    // The description's geometry places the window at the screen's corner; without it,
+    // QDialog centres the window over its parent when it is shown.
+    window_->setAttribute(Qt::WA_Moved, false);
     window_->installEventFilter(new DialogWindowFilter(dialog, loop, window_));
     dialog.root().forEach([&](Widget& model) {
         QWidget* view = model.GetName().empty()
@@ -126,6 +154,24 @@ QtDialogView::QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent)
             bind(model, view);
     });
     sync();
+}
+
+QPushButton* QtDialogView::okButton() const {
+    for (const auto& [model, view] : views_)
+        if (model->GetWidgetID() == kOKButtonWidgetID)
+            return qobject_cast<QPushButton*>(view);
+    return nullptr;
+}
+
+void QtDialogView::takeFocusBack() {
+    if (!window_)
+        return;
+    window_->raise();
+    window_->activateWindow();
+    if (QPushButton* ok = okButton(); ok && ok->isEnabled()) {
+        ok->setDefault(true);
+        ok->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 QtDialogView::~QtDialogView() {
@@ -142,6 +188,10 @@ QWidget* QtDialogView::qtWidgetFor(const Widget& widget) const {
 
 void QtDialogView::bind(Widget& model, QWidget* view) {
     views_[&model] = view;
+    bound_.push_back(&model);
+    if (view != window_ && view->accessibleName().isEmpty() &&
+        !qobject_cast<QAbstractButton*>(view) && !qobject_cast<QLabel*>(view))
+        view->setAccessibleName(readableName(view->objectName()));
     Dialog* dialog = &dialog_;
     Widget* widget = &model;
     if (auto* button = qobject_cast<QAbstractButton*>(view)) {
@@ -195,8 +245,8 @@ void QtDialogView::sync(Widget* widget) {
     if (widget && views_.count(widget)) {
         syncOne(*widget, views_[widget]);
     } else {
-        for (auto& [model, view] : views_)
-            syncOne(*model, view);
+        for (Widget* model : bound_)
+            syncOne(*model, views_[model]);
     }
     syncing_ = false;
 }
@@ -211,7 +261,7 @@ void QtDialogView::syncOne(Widget& model, QWidget* view) {
     } else if (auto* edit = qobject_cast<QLineEdit*>(view)) {
         edit->setText(text);
     } else if (auto* button = qobject_cast<QAbstractButton*>(view)) {
-        button->setText(text);
+        button->setText(accessKeys_.caption(button, text));
     } else if (auto* bar = qobject_cast<QProgressBar*>(view)) {
         bar->setRange(model.GetMinimum(), model.GetMaximum());
         bar->setValue(model.GetValue());

@@ -1,12 +1,17 @@
 #pragma once
 
+#include "host/gui/AccessKeys.h"
+
 #include <QObject>
+#include <QPointer>
 
 #include <functional>
 #include <map>
 #include <memory>
+#include <vector>
 
 class QDialog;
+class QPushButton;
 class QWidget;
 
 namespace Galley {
@@ -22,11 +27,18 @@ class Widget;
 // model's presses and selections, at the next turn of the main loop.
 class QtDialogView : public QObject {
 public:
-    // Throws std::runtime_error when the description cannot be loaded into widgets.
+    // Throws std::runtime_error when the description cannot be loaded into widgets. The
+    // window belongs to `parent` (the main window or the dialog in front of it), shows
+    // over its middle and stays above it.
     QtDialogView(Dialog& dialog, MainLoop& loop, QWidget* parent);
     ~QtDialogView() override;
 
     QDialog* window() const { return window_; }
+    // The dialog's OK button, if it has one.
+    QPushButton* okButton() const;
+    // The window becomes active again (a dialog it opened has closed): OK is the default
+    // button and has the focus, whatever had them before.
+    void takeFocusBack();
     // Shows `widget`'s state again (all of them for null).
     void sync(Widget* widget = nullptr);
     QWidget* qtWidgetFor(const Widget& widget) const;
@@ -37,8 +49,10 @@ private:
 
     Dialog& dialog_;
     MainLoop& loop_;
-    QDialog* window_ = nullptr;
+    QPointer<QDialog> window_;
     std::map<Widget*, QWidget*> views_;
+    std::vector<Widget*> bound_; // in the order of the description, for the access keys
+    AccessKeys accessKeys_;
     std::map<Widget*, TreeRowsModel*> trees_;
     bool syncing_ = false;
 };

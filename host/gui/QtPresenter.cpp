@@ -20,12 +20,21 @@ QtDialogView* QtPresenter::viewOf(const Dialog& dialog) const {
     return found == views_.end() ? nullptr : found->second.get();
 }
 
+QtDialogView* QtPresenter::frontView() const {
+    return opened_.empty() ? nullptr : viewOf(*opened_.back());
+}
+
 void QtPresenter::dialogOpened(Dialog& dialog) {
     try {
-        auto view = std::make_unique<QtDialogView>(dialog, *loop_, parent_);
+        // A dialog opened from another (Replace Font from the fonts dialog) stays over it.
+        QtDialogView* front = frontView();
+        auto view =
+            std::make_unique<QtDialogView>(dialog, *loop_, front ? front->window() : parent_);
         view->window()->show();
         view->window()->raise();
+        view->window()->activateWindow();
         views_[&dialog] = std::move(view);
+        opened_.push_back(&dialog);
         if (onDialogOpened)
             onDialogOpened(dialog);
     } catch (const std::exception& error) {
@@ -42,15 +51,28 @@ void QtPresenter::dialogChanged(Dialog& dialog, Widget& widget) {
 
 void QtPresenter::dialogClosed(Dialog& dialog) {
     views_.erase(&dialog);
+    std::erase(opened_, &dialog);
+    giveFocusBack();
     if (onDialogClosed)
         onDialogClosed();
+}
+
+void QtPresenter::giveFocusBack() {
+    if (QtDialogView* front = frontView()) {
+        front->takeFocusBack();
+    } else if (parent_) {
+        parent_->raise();
+        parent_->activateWindow();
+        parent_->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 int16 QtPresenter::alert(IAlertPresenter::Kind kind, const std::string& message,
                          const std::string buttons[3], int16 defaultButton) {
     QMessageBox box(kind == IAlertPresenter::Kind::information ? QMessageBox::Information
                                                                : QMessageBox::Warning,
-                    "Galley", QString::fromStdString(message), QMessageBox::NoButton, parent_);
+                    "Galley", QString::fromStdString(message), QMessageBox::NoButton,
+                    frontView() ? frontView()->window() : parent_);
     QAbstractButton* answers[3] = {nullptr, nullptr, nullptr};
     for (int i = 0; i < 3; ++i)
         if (!buttons[i].empty())

@@ -35,6 +35,8 @@ public:
     std::function<void()> onDialogClosed;
 
     QtDialogView* viewOf(const Dialog& dialog) const;
+    // The dialog window in front (the one opened last), or null.
+    QtDialogView* frontView() const;
 
     void dialogOpened(Dialog& dialog) override;
     void dialogChanged(Dialog& dialog, Widget& widget) override;
@@ -47,9 +49,13 @@ public:
     void documentChanged(IdmlDocument& document) override;
 
 private:
+    // After a dialog closed, the keyboard goes back to the window in front of the rest.
+    void giveFocusBack();
+
     MainLoop* loop_ = nullptr;
     QWidget* parent_ = nullptr;
     std::map<const Dialog*, std::unique_ptr<QtDialogView>> views_;
+    std::vector<const Dialog*> opened_; // oldest first
     std::function<void(const std::string&)> onStatus_;
     std::vector<std::string> pendingStatus_;
 };

@@ -117,6 +117,7 @@ void StyleSheet::setOwnFonts(const std::vector<std::pair<std::size_t, FontKey>>&
     defaults_ = {};
     resolveAll(file_, part_);
     modified_ = true;
+    ++revision_;
 }
 
 std::string StyleSheet::serialize() const {

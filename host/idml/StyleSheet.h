@@ -58,6 +58,8 @@ public:
     // then resolves every style again.
     void setOwnFonts(const std::vector<std::pair<std::size_t, FontKey>>& fonts);
     bool modified() const { return modified_; }
+    // Counts the changes, so that what was resolved through the styles can tell it is stale.
+    unsigned revision() const { return revision_; }
     void markSaved() { modified_ = false; }
     // The part as it now stands; only meaningful for a sheet read from a part.
     std::string serialize() const;
@@ -82,6 +84,7 @@ private:
     std::vector<xmlNode*> elements_; // the element of each style, in the order of styles_
     std::vector<std::optional<std::size_t>> parents_;
     bool modified_ = false;
+    unsigned revision_ = 0;
     std::vector<TextStyle> styles_;
     std::unordered_map<Key, std::size_t, KeyHash> bySelf_;
     std::unordered_map<Key, std::size_t, KeyHash> byName_; // without "$ID/"; first one wins

@@ -9,6 +9,7 @@
 #include "host/session/GalleySession.h"
 #include "sdk/HostIdentifiers.h"
 #include "sdk/ISignalMgr.h"
+#include "sdk/ISubject.h"
 
 namespace Galley {
 
@@ -101,6 +102,21 @@ IdmlDocument& DocumentHub::open(const std::string& path) {
 
 void DocumentHub::close() {
     document_.reset();
+}
+
+ReplacementResult DocumentHub::replaceFaces(const std::vector<FontKey>& from, const FontKey& to,
+                                            bool redefineStyles) {
+    if (!document_)
+        return {};
+    const ReplacementResult result = Galley::replaceFaces(*document_, from, to, redefineStyles);
+    InvalidateAllViews();
+    UpdateViews(true);
+    // The plug-in learns of fonts that resolve differently only through the font manager's
+    // change message: its observer then scans the document again and its dialogs follow.
+    calls_.guarded("", "the document's font change", [&] {
+        session_.fonts().GetSubject()->Change(kFontSystemChangedMessage, IID_IFONTMGR, nullptr);
+    });
+    return result;
 }
 
 void DocumentHub::sendSignal(ServiceID service, IDocument* document) {

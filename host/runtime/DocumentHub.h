@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/document/FontReplacer.h"
 #include "sdk/HostHooks.h"
 #include "sdk/IDialog.h"
 #include "sdk/ISession.h"
@@ -41,6 +42,12 @@ public:
     IdmlDocument* front() const { return document_.get(); }
     void close();
     void sendSignal(ServiceID service, IDocument* document);
+
+    // Galley's own replacement (Find Font) in the open document, followed as the plug-in's
+    // replacement is: the views show the document again, and the plug-ins' font-change
+    // observers are told, so that an open fonts dialog scans the document again.
+    ReplacementResult replaceFaces(const std::vector<FontKey>& from, const FontKey& to,
+                                   bool redefineStyles);
 
     // Processes font-folder changes now (as the watch would).
     void fontFoldersChanged();

@@ -44,6 +44,7 @@ public:
     Runtime& operator=(const Runtime&) = delete;
 
     MainLoop& loop() { return loop_; }
+    GalleySession& session() { return session_; }
     IdleTasks& idleTasks() { return idleTasks_; }
     PluginHost& plugins() { return plugins_; }
     DialogManager& dialogs() { return dialogs_; }

@@ -3,7 +3,11 @@
 
 #include "host/gui/QtEventLoop.h"
 
+#include "host/gui/GuiApplication.h"
+
 #include <QApplication>
+#include <QStandardPaths>
+#include <QTranslator>
 
 namespace RuntimeTest {
 
@@ -22,11 +26,16 @@ public:
         static char name[] = "gui_tests";
         static char* argv[] = {name, nullptr};
         application = new QApplication(argc, argv);
+        // Settings (the recent files) go to a folder of their own, never the user's.
+        QStandardPaths::setTestModeEnabled(true);
+        static QTranslator translator;
+        Galley::setUpApplication(*application, translator);
     }
     QApplication* application = nullptr;
 };
 
-[[maybe_unused]] auto* const environment = ::testing::AddGlobalTestEnvironment(new OffscreenApplication);
+[[maybe_unused]] auto* const environment =
+    ::testing::AddGlobalTestEnvironment(new OffscreenApplication);
 
 } // namespace
 
