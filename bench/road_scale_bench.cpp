@@ -13,6 +13,9 @@
 // larger library x_small_library is its road over the 1,000-face road of the same run.
 // Goal: x_floor at most 2, x_small_library at most 1.2.
 //
+// ROAD_BENCH_GALLEY and ROAD_BENCH_VELLUMINE name other builds' programs to measure instead
+// (an earlier commit's, say), so that a change is measured against its baseline in one run.
+//
 // The worlds live in /dev/shm unless TMPDIR says otherwise. Each iteration links and unlinks
 // the same 50 faces twice; on ext4, creating a file within half a minute of deleting others
 // makes the inode allocator step over every recently deleted inode, so on a disk the
@@ -86,6 +89,21 @@ int run(const std::vector<std::string>& arguments) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+std::string program(const char* variable, const char* built) {
+    const char* chosen = std::getenv(variable);
+    return chosen != nullptr && *chosen != '\0' ? chosen : built;
+}
+
+const std::string& galley() {
+    static const std::string path = program("ROAD_BENCH_GALLEY", GALLEY_EXECUTABLE);
+    return path;
+}
+
+const std::string& vellumine() {
+    static const std::string path = program("ROAD_BENCH_VELLUMINE", VELLUMINE_EXECUTABLE);
+    return path;
+}
+
 std::string faceNumber(long index) {
     char digits[16];
     std::snprintf(digits, sizeof digits, "%06ld", index);
@@ -109,9 +127,8 @@ public:
         std::filesystem::create_directories(session_.dataHome() + "/fonts");
         if (run({"/usr/bin/python3", GENERATE_FACES, std::to_string(faces), root + "/faces"}) !=
                 0 ||
-            run({VELLUMINE_EXECUTABLE, "add", root + "/faces"}) != 0 ||
-            run({VELLUMINE_EXECUTABLE, "install-launcher", "--data-home", session_.dataHome()}) !=
-                0)
+            run({vellumine(), "add", root + "/faces"}) != 0 ||
+            run({vellumine(), "install-launcher", "--data-home", session_.dataHome()}) != 0)
             return;
         writeDocument(faces);
         int status = 0;
@@ -125,19 +142,19 @@ public:
     // vellumine stopped and every face it activated for an application gone: the road's start.
     void reset() {
         stopFontManager();
-        run({VELLUMINE_EXECUTABLE, "deactivate", "--auto"});
+        run({vellumine(), "deactivate", "--auto"});
     }
 
     double floorMilliseconds() const {
         const auto begin = Clock::now();
-        run({GALLEY_EXECUTABLE, "fonts", document_});
+        run({galley(), "fonts", document_});
         return millisecondsSince(begin);
     }
 
     // From exec until a request is answered; vellumine keeps running afterwards.
     double startMilliseconds() {
         const auto begin = Clock::now();
-        session_.killLater(start({VELLUMINE_EXECUTABLE, "serve"}));
+        session_.killLater(start({vellumine(), "serve"}));
         std::string reply;
         while (bus_->send("VLMQ", {"VLMQ", "****", requestFor(0)}, reply) != 0 &&
                millisecondsSince(begin) < 10000)
@@ -155,7 +172,7 @@ public:
     // The road; negative when Galley did not end with every font installed.
     double roadMilliseconds() const {
         const auto begin = Clock::now();
-        const int status = run({GALLEY_EXECUTABLE, "--batch", document_, "--timeout", "20"});
+        const int status = run({galley(), "--batch", document_, "--timeout", "20"});
         const double elapsed = millisecondsSince(begin);
         return status == 0 ? elapsed : -1;
     }
