@@ -1,7 +1,8 @@
 #include "fontmanager/FaceReader.h"
 
+#include "foundation/AsciiCase.h"
+
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <stdexcept>
 
@@ -47,13 +48,6 @@ const FreeTypeErrorText freeTypeErrorTexts[] =
     return "FreeType error " + std::to_string(error);
 }
 
-std::string lowercaseExtension(const std::filesystem::path& file) {
-    std::string extension = file.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return extension;
-}
-
 bool hasSfntTable(FT_Face face, FT_ULong tag) {
     FT_ULong length = 0;
     return FT_Load_Sfnt_Table(face, tag, 0, nullptr, &length) == 0 && length > 0;
@@ -77,7 +71,8 @@ bool classify(FT_Face face, const std::filesystem::path& file, FaceType& type) {
     if (!hasSfntTable(face, TTAG_glyf)) {
         return false; // bitmap-only sfnt
     }
-    type = lowercaseExtension(file) == ".otf" ? FaceType::openTypeTrueType : FaceType::trueType;
+    type = AsciiCase::lowered(file.extension().string()) == ".otf" ? FaceType::openTypeTrueType
+                                                                   : FaceType::trueType;
     return true;
 }
 

@@ -1,36 +1,24 @@
 #include "fontmanager/FontMatcher.h"
 
+#include "foundation/AsciiCase.h"
+
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <string_view>
 
 namespace Vellumine {
 
 namespace {
 
-bool equalIgnoringCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) ==
-                      std::tolower(static_cast<unsigned char>(y));
-           });
-}
-
-std::string lowercase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
 bool isRegularStyle(const std::string& style) {
     static const std::array<std::string_view, 6> regular = {"Regular", "Roman", "Normal",
                                                             "Book",    "Plain", "Standard"};
     return std::any_of(regular.begin(), regular.end(),
-                       [&](std::string_view name) { return equalIgnoringCase(style, name); });
+                       [&](std::string_view name) { return AsciiCase::equal(style, name); });
 }
 
 bool styleMatches(const std::string& wanted, const std::string& style) {
-    return wanted.empty() ? isRegularStyle(style) : equalIgnoringCase(wanted, style);
+    return wanted.empty() ? isRegularStyle(style) : AsciiCase::equal(wanted, style);
 }
 
 // fontconfig lists a face's names in pairs, one family and style for each way the font
@@ -39,7 +27,7 @@ bool styleMatches(const std::string& wanted, const std::string& style) {
 bool namedAs(const SystemFace& face, const std::string& family, const std::string& style) {
     const bool paired = face.families.size() == face.styles.size();
     for (std::size_t i = 0; i < face.families.size(); ++i) {
-        if (!equalIgnoringCase(face.families[i], family)) {
+        if (!AsciiCase::equal(face.families[i], family)) {
             continue;
         }
         if (paired ? styleMatches(style, face.styles[i])
@@ -109,7 +97,7 @@ const std::vector<FaceRecord>& FontMatcher::byPostScriptName(const std::string& 
 }
 
 const std::vector<FaceRecord>& FontMatcher::byFamily(const std::string& family) {
-    const std::string key = lowercase(family);
+    const std::string key = AsciiCase::lowered(family);
     auto found = families.find(key);
     if (found == families.end()) {
         found = families.emplace(key, catalog.facesByFamily(family)).first;
@@ -142,8 +130,8 @@ const FontMatch& FontMatcher::match(const RequestFont& font) {
         !font.psName.empty() && (!byPostScriptName(font.psName).empty() || font.familyName.empty());
     // The system's fonts are looked up by the requested PostScript name whenever there is one.
     const std::string key = (byName ? "name\n" + font.psName + "\n" + font.type
-                                    : "family\n" + lowercase(font.familyName) + "\n" +
-                                          lowercase(font.styleName) + "\n" + font.type) +
+                                    : "family\n" + AsciiCase::lowered(font.familyName) + "\n" +
+                                          AsciiCase::lowered(font.styleName) + "\n" + font.type) +
                             (system != nullptr && !byName ? "\n" + font.psName : "");
     auto found = matches.find(key);
     if (found != matches.end()) {

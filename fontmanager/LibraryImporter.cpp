@@ -1,23 +1,13 @@
 #include "fontmanager/LibraryImporter.h"
 
+#include "foundation/AsciiCase.h"
 #include "foundation/Logger.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <system_error>
 
 namespace Vellumine {
-
-namespace {
-
-std::string lowercase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
-} // namespace
 
 LibraryImporter::LibraryImporter(Catalog& catalog, const FaceReader& reader,
                                  std::size_t filesPerTransaction)
@@ -27,7 +17,7 @@ LibraryImporter::LibraryImporter(Catalog& catalog, const FaceReader& reader,
 bool LibraryImporter::hasFontExtension(const std::filesystem::path& file) {
     static const std::array<std::string, 7> extensions = {".pfb", ".pfa", ".t1", ".ttf",
                                                           ".otf", ".ttc", ".otc"};
-    const std::string extension = lowercase(file.extension().string());
+    const std::string extension = AsciiCase::lowered(file.extension().string());
     return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
 }
 

@@ -1,12 +1,13 @@
 #include "fontmanager/SystemFonts.h"
 
+#include "foundation/AsciiCase.h"
+
 #include <fontconfig/fontconfig.h>
 
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
@@ -18,12 +19,6 @@
 namespace Vellumine {
 
 namespace {
-
-std::string lowercase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 std::vector<std::string> strings(FcPattern* pattern, const char* object) {
     std::vector<std::string> values;
@@ -60,7 +55,7 @@ std::optional<FaceType> classify(const std::string& format, bool outline,
     if (format == "Type 1" || format == "CID Type 1") {
         return FaceType::type1;
     }
-    std::string extension = lowercase(file.extension().string());
+    std::string extension = AsciiCase::lowered(file.extension().string());
     if (!outline) {
         return std::nullopt;
     }
@@ -186,7 +181,7 @@ void SystemFonts::add(SystemFace face) {
     const std::size_t at = faces.size();
     names.emplace(face.record.postScriptName, at);
     for (const auto& family : face.families) {
-        families.emplace(lowercase(family), at);
+        families.emplace(AsciiCase::lowered(family), at);
     }
     faces.push_back(std::move(face));
 }
@@ -215,7 +210,7 @@ std::vector<const SystemFace*> SystemFonts::byPostScriptName(const std::string& 
 }
 
 std::vector<const SystemFace*> SystemFonts::byFamily(const std::string& family) const {
-    return found(faces, families, lowercase(family));
+    return found(faces, families, AsciiCase::lowered(family));
 }
 
 bool SystemFontsCache::changed(const std::filesystem::path& ownFolder) const {
