@@ -2,6 +2,7 @@
 
 #include "foundation/AsciiCase.h"
 
+#include "host/batch/NamedItem.h"
 #include "host/batch/TerminalPresenter.h"
 #include "host/dialogs/Dialog.h"
 #include "host/dialogs/DialogText.h"
@@ -35,13 +36,6 @@ Widget* firstOfKind(Dialog& dialog, Widget::Kind kind) {
             found = &widget;
     });
     return found;
-}
-
-bool shows(const Widget* row, const std::string& text) {
-    if (!row)
-        return false;
-    const auto texts = widgetTexts(*row);
-    return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
 } // namespace
@@ -158,27 +152,33 @@ void BatchPlayer::select(Dialog& dialog, const std::string& text) {
         child = std::stoi(text.substr(slash + 1));
     }
     const auto& rows = tree->rows();
-    for (std::size_t r = 0; r < rows.size(); ++r) {
-        if (!shows(rows[r].widget, name))
-            continue;
-        if (child == 0) {
-            tree->Select(rows[r].node, true, true);
+    std::vector<std::vector<std::string>> shown;
+    for (const auto& row : rows)
+        shown.push_back(row.widget ? widgetTexts(*row.widget) : std::vector<std::string>());
+    const NamedItem named = findNamedItem(shown, name);
+    if (!named.ambiguous.empty())
+        throw std::runtime_error("several rows start with \"" + name +
+                                 "\": " + joined(named.ambiguous) + "; name one in full");
+    if (named.index == NamedItem::none) {
+        std::vector<std::string> names;
+        for (const auto& texts : shown)
+            if (!texts.empty())
+                names.push_back(texts.front());
+        throw std::runtime_error("no row shows \"" + name + "\"; the rows are: " + joined(names));
+    }
+    const std::size_t r = named.index;
+    if (child == 0) {
+        tree->Select(rows[r].node, true, true);
+        return;
+    }
+    int seen = 0;
+    for (std::size_t c = r + 1; c < rows.size() && rows[c].level > rows[r].level; ++c)
+        if (rows[c].level == rows[r].level + 1 && ++seen == child) {
+            tree->Select(rows[c].node, true, true);
             return;
         }
-        int seen = 0;
-        for (std::size_t c = r + 1; c < rows.size() && rows[c].level > rows[r].level; ++c)
-            if (rows[c].level == rows[r].level + 1 && ++seen == child) {
-                tree->Select(rows[c].node, true, true);
-                return;
-            }
-        throw std::runtime_error("the row \"" + name + "\" has " + std::to_string(seen) +
-                                 " rows under it");
-    }
-    std::vector<std::string> names;
-    for (const auto& row : rows)
-        if (row.widget && !widgetTexts(*row.widget).empty())
-            names.push_back(widgetTexts(*row.widget).front());
-    throw std::runtime_error("no row shows \"" + name + "\"; the rows are: " + joined(names));
+    throw std::runtime_error("the row \"" + name + "\" has " + std::to_string(seen) +
+                             " rows under it");
 }
 
 void BatchPlayer::deselect(Dialog& dialog) {
@@ -224,22 +224,33 @@ void BatchPlayer::pick(Dialog& dialog, const std::string& text, bool doubleClick
     Widget* list = firstOfKind(dialog, Widget::Kind::listBox);
     if (!list)
         throw std::runtime_error("the dialog has no list");
-    std::vector<std::string> entries;
+    std::vector<std::vector<std::string>> entries;
     for (int32 n = 0; n < list->Length(); ++n) {
-        const auto texts = widgetTexts(*static_cast<Widget*>(list->GetElement(n)));
-        const std::string entry = texts.empty() ? "" : texts.front();
-        if (entry == text) {
-            if (doubleClick)
-                list->doubleClickElement(n);
-            else
-                list->Select(n, true);
-            return;
-        }
-        if (entries.size() < 40)
-            entries.push_back(entry);
+        auto texts = widgetTexts(*static_cast<Widget*>(list->GetElement(n)));
+        entries.push_back(texts.empty() ? std::vector<std::string>{""}
+                                        : std::vector<std::string>{texts.front()});
     }
+    const NamedItem named = findNamedItem(entries, text);
+    if (named.index != NamedItem::none) {
+        const auto n = static_cast<int32>(named.index);
+        if (doubleClick)
+            list->doubleClickElement(n);
+        else
+            list->Select(n, true);
+        return;
+    }
+    if (!named.ambiguous.empty()) {
+        std::vector<std::string> some(named.ambiguous.begin(),
+                                      named.ambiguous.begin() +
+                                          std::min<std::size_t>(named.ambiguous.size(), 40));
+        throw std::runtime_error("several entries start with \"" + text + "\": " + joined(some) +
+                                 "; name one in full");
+    }
+    std::vector<std::string> some;
+    for (std::size_t n = 0; n < entries.size() && n < 40; ++n)
+        some.push_back(entries[n].front());
     throw std::runtime_error("no entry \"" + text + "\" among the " +
-                             std::to_string(list->Length()) + " entries: " + joined(entries));
+                             std::to_string(list->Length()) + " entries: " + joined(some));
 }
 
 void BatchPlayer::invoke(const std::string& action) {
