@@ -31,9 +31,15 @@ bool isOwnLink(Catalog& catalog, const std::filesystem::path& link) {
         return false;
     }
     const auto face = catalog.face(*id);
-    return face &&
-           ((target == face->file && name == Activation::linkName(*id, face->file)) ||
-            (target == face->metricsFile && name == Activation::linkName(*id, face->metricsFile)));
+    if (!face) {
+        // Removed from a shared library by another workstation: a link into this
+        // workstation's cache is still ours.
+        return target.parent_path() == FaceFiles::defaultCacheFolder();
+    }
+    FaceFiles files(catalog);
+    return (target == files.fontFile(*face) && name == Activation::linkName(*id, face->file)) ||
+           (target == files.metricsFile(*face) &&
+            name == Activation::linkName(*id, face->metricsFile));
 }
 
 void checkRecordedLinks(Catalog& catalog, bool repair, LibraryCheckReport& report) {

@@ -1,5 +1,6 @@
 #include "fontmanager/window/MainWindow.h"
 
+#include "fontmanager/LibrarySelection.h"
 #include "fontmanager/window/ImportJob.h"
 
 #include <QAction>
@@ -281,7 +282,7 @@ void MainWindow::addFonts(bool folders) {
     if (paths.empty()) {
         return;
     }
-    auto* job = new ImportJob(model.paths().catalogFile(), paths, this);
+    auto* job = new ImportJob(currentLibrary(), paths, this);
     auto* progress = new QProgressDialog(QStringLiteral("Adding fonts…"), {}, 0, 0, this);
     progress->setWindowModality(Qt::WindowModal);
     progress->setMinimumDuration(300);

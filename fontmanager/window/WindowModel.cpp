@@ -1,6 +1,7 @@
 #include "fontmanager/window/WindowModel.h"
 
 #include "fontmanager/Duplicates.h"
+#include "fontmanager/LibrarySelection.h"
 #include "fontmanager/OpenCatalog.h"
 #include "foundation/Logger.h"
 #include "platform/linux/notify.h"
@@ -19,8 +20,7 @@ constexpr int changePollMillis = 300;
 } // namespace
 
 WindowModel::WindowModel(const LibraryPaths& paths, QObject* parent)
-    : QObject(parent), libraryPaths(paths),
-      catalogFile(openCatalogForReading(LibraryLocation::sqliteFile(paths.catalogFile()))),
+    : QObject(parent), libraryPaths(paths), catalogFile(openCatalogForReading(currentLibrary())),
       activation(*catalogFile, paths.activationFolder()), changes(*catalogFile),
       faceSets(*catalogFile, activation, changes) {
     libraryFilter.setSourceModel(&libraryModel);

@@ -192,7 +192,8 @@ TEST_F(WindowModelTest, DuplicatesAreListedWithWhatTellsThemApart) {
 }
 
 TEST_F(WindowModelTest, AddingAFolderReportsProgressAndReloadsTheLibrary) {
-    ImportJob job(LibraryPaths::fromEnvironment().catalogFile(), {urwOpenTypeFolder});
+    ImportJob job(LibraryLocation::sqliteFile(LibraryPaths::fromEnvironment().catalogFile()),
+                  {urwOpenTypeFolder});
     std::vector<int> progress;
     QObject::connect(&job, &ImportJob::progress, [&](int done, int) { progress.push_back(done); });
     job.start();
