@@ -73,11 +73,11 @@ bool LibraryListener::takeChange(Clock::time_point now) {
         }
         return changed;
     } catch (const CatalogError& error) {
-        Logger::log(logTag, std::string(error.what()) + "; trying again every few seconds");
+        Logger::log(logTag, error.what());
         connection.reset();
-        lost = true;
-        lastAttempt = now;
-        return false;
+        // The server may have restarted already: missed notifications count as a change.
+        listen();
+        return connection != nullptr;
     }
 }
 
