@@ -217,6 +217,10 @@ public:
     virtual std::vector<FaceUse> faceUse() = 0;
     // Lets a database role use the library; throws where the library has no roles.
     virtual void grant(const std::string& role, LibraryRight right) = 0;
+    // For the server: while a shared library's database is unreachable, queries answer as
+    // they last did (changes still fail), so that applications keep getting answers. A
+    // library on this machine has nothing to do.
+    virtual void keepLastAnswers() {}
 };
 
 } // namespace Vellumine

@@ -66,7 +66,11 @@ PgConnection::~PgConnection() {
 void PgConnection::connect() {
     PQfinish(connection);
     prepared.clear();
-    connection = PQconnectdb(conninfo.c_str());
+    // A library behind a dead host must not hold a command (or the server) for minutes: a
+    // time-out the URL does not set itself.
+    const char* const keywords[] = {"connect_timeout", "dbname", nullptr};
+    const char* const values[] = {"10", conninfo.c_str(), nullptr};
+    connection = PQconnectdbParams(keywords, values, 1);
     if (PQstatus(connection) != CONNECTION_OK) {
         const std::string why = firstLine(PQerrorMessage(connection));
         PQfinish(connection);
@@ -134,8 +138,37 @@ PgResult PgConnection::queryBinary(const std::string& sql, const std::vector<PgP
     return run(sql, params, 1);
 }
 
+// A bound on the answers remembered: a server's queries repeat (the same names asked for
+// again), so the bound is reached only by unusual use, and then memory starts afresh.
+constexpr std::size_t rememberedAnswers = 20000;
+
 PgResult PgConnection::run(const std::string& sql, const std::vector<PgParam>& params,
                            int resultFormat) {
+    if (!remembering || statementVerb(sql) != "SELECT") {
+        return runOnServer(sql, params, resultFormat);
+    }
+    std::string key = sql + '\0' + std::to_string(resultFormat);
+    for (const auto& param : params) {
+        key += (param.isNull ? '\1' : '\0') + param.value + '\0';
+    }
+    try {
+        PgResult result = runOnServer(sql, params, resultFormat);
+        if (answers.size() >= rememberedAnswers) {
+            answers.clear();
+        }
+        answers[key] = result.handle;
+        return result;
+    } catch (const PostgresUnreachable&) {
+        const auto known = answers.find(key);
+        if (known == answers.end()) {
+            throw;
+        }
+        return PgResult(known->second);
+    }
+}
+
+PgResult PgConnection::runOnServer(const std::string& sql, const std::vector<PgParam>& params,
+                                   int resultFormat) {
     ensureOpen();
     auto name = prepared.find(sql);
     if (name == prepared.end()) {

@@ -59,6 +59,7 @@ struct PgParam {
 class PgResult {
 public:
     explicit PgResult(pg_result* result) : handle(result, &clear) {}
+    explicit PgResult(std::shared_ptr<pg_result> result) : handle(std::move(result)) {}
     int rows() const;
     std::string text(int row, int column) const;
     std::int64_t integer(int row, int column) const;
@@ -68,7 +69,8 @@ public:
 
 private:
     static void clear(pg_result* result);
-    std::unique_ptr<pg_result, void (*)(pg_result*)> handle;
+    friend class PgConnection;
+    std::shared_ptr<pg_result> handle; // shared with remembered answers
 };
 
 // One libpq connection for the catalog: parameters always bound, never spliced into SQL;
@@ -100,16 +102,25 @@ public:
     // An identifier quoted for SQL ("ann" → "\"ann\"").
     std::string quoteIdentifier(const std::string& name);
     std::string currentUser();
+    // From now on, a query that reads (SELECT) and cannot reach the server answers as it
+    // last did, when it did; what changes anything still fails. For a server that keeps
+    // answering its applications while the database is away.
+    void rememberAnswers() { remembering = true; }
+    bool remembersAnswers() const { return remembering; }
 
 private:
     void connect();
     PgResult run(const std::string& sql, const std::vector<PgParam>& params, int resultFormat);
+    PgResult runOnServer(const std::string& sql, const std::vector<PgParam>& params,
+                         int resultFormat);
     [[noreturn]] void fail(pg_result* result, const std::string& sql);
 
     std::string conninfo;
     std::string where;
     pg_conn* connection = nullptr;
     std::map<std::string, std::string> prepared; // SQL → statement name
+    bool remembering = false;
+    std::map<std::string, std::shared_ptr<pg_result>> answers; // SQL and parameters → rows
 };
 
 } // namespace Vellumine

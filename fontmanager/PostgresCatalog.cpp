@@ -122,7 +122,18 @@ void PostgresCatalog::read(const std::function<void()>& work) {
         return;
     }
     try {
-        connection.execute("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
+        try {
+            connection.execute("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
+        } catch (const PostgresUnreachable&) {
+            if (!connection.remembersAnswers()) {
+                throw;
+            }
+            // The last answers, without a snapshot: there is nothing to be consistent with.
+            depth = 1;
+            work();
+            depth = 0;
+            return;
+        }
         depth = 1;
         work();
         connection.execute("COMMIT");

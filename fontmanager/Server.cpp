@@ -252,6 +252,7 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
         return 1;
     }
     Catalog& catalog = *library;
+    catalog.keepLastAnswers();
     reconcile(catalog, paths.activationFolder(), nullptr);
     Activation activation(catalog, paths.activationFolder());
     LibraryChanges changes(catalog);

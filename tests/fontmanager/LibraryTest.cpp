@@ -1,10 +1,10 @@
 #include "FontFixtures.h"
 
 #include "fontmanager/Activation.h"
-#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
+#include "fontmanager/SqliteCatalog.h"
 
 #include <gtest/gtest.h>
 
