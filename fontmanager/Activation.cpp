@@ -127,7 +127,8 @@ ActivationResult Activation::activate(std::int64_t faceId, const ActivationOrigi
     // The file is fetched and read before the write transaction, so that a slow or strange
     // file never holds the catalog's lock.
     std::string problem;
-    if (!face->active && !stillHolds(*face, problem)) {
+    // An active face may be linked anew (its link was removed): from a verified copy too.
+    if (face->active ? !files.fetch(*face, problem) : !stillHolds(*face, problem)) {
         return {Outcome::failed, faceName(*face) + ": " + problem};
     }
     ActivationResult result;

@@ -89,6 +89,22 @@ bool FaceFiles::fetch(const FaceRecord& face, std::string& problem) {
            (face.metricsHash.empty() || materialise(face.metricsHash, problem));
 }
 
+std::filesystem::path FaceFiles::readable(const FaceRecord& face) {
+    if (face.contentHash.empty()) {
+        return face.file;
+    }
+    std::string problem;
+    try {
+        if (materialise(face.contentHash, problem)) {
+            return cached(face.contentHash);
+        }
+    } catch (const std::exception& error) {
+        problem = error.what();
+    }
+    Logger::log("vellumine-cache", face.postScriptName + ": " + problem);
+    return face.file;
+}
+
 bool FaceFiles::materialise(const std::string& hash, std::string& problem) {
     const std::filesystem::path file = cached(hash);
     std::error_code error;

@@ -23,6 +23,9 @@ public:
     // Makes fontFile() and metricsFile() present and verified; false with `problem` when the
     // library no longer holds the bytes or the cache cannot be written.
     bool fetch(const FaceRecord& face, std::string& problem);
+    // The outlines to read (details, previews): fetched when needed; where that fails, the
+    // path as added, whose reading then reports the problem.
+    std::filesystem::path readable(const FaceRecord& face);
 
     // $XDG_CACHE_HOME/vellumine/store, else ~/.cache/vellumine/store.
     static std::filesystem::path defaultCacheFolder();

@@ -220,7 +220,7 @@ void MainWindow::refreshPreview() {
         return;
     }
     const int width = std::max(200, preview->width() - 16);
-    const Preview drawn = WindowModel::preview(*entry, sample->text(), previewPixels, width);
+    const Preview drawn = model.preview(*entry, sample->text(), previewPixels, width);
     if (!drawn.ok()) {
         preview->setPixmap({});
         preview->setText(drawn.problem);
@@ -236,7 +236,7 @@ void MainWindow::showDetails(const FaceEntry* entry) {
     if (entry == nullptr) {
         return;
     }
-    for (const auto& [label, value] : WindowModel::detailRows(*entry)) {
+    for (const auto& [label, value] : model.detailRows(*entry)) {
         auto* field = new QLabel(value);
         field->setWordWrap(true);
         field->setTextInteractionFlags(Qt::TextSelectableByMouse);
