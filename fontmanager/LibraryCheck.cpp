@@ -97,6 +97,16 @@ void check(Catalog& catalog, const std::filesystem::path& folder, bool repair,
 
 } // namespace
 
+LibraryCheckReport repairLinks(Catalog& catalog, const std::filesystem::path& activationFolder) {
+    LibraryCheckReport report;
+    catalog.write([&] {
+        report = {};
+        checkRecordedLinks(catalog, true, report);
+        checkFolder(catalog, activationFolder, true, report);
+    });
+    return report;
+}
+
 LibraryCheckReport checkLibrary(Catalog& catalog, const std::filesystem::path& activationFolder,
                                 bool repair) {
     LibraryCheckReport report;

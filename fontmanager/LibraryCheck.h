@@ -26,4 +26,9 @@ struct LibraryCheckReport {
 LibraryCheckReport checkLibrary(Catalog& catalog, const std::filesystem::path& activationFolder,
                                 bool repair);
 
+// The links alone, repaired, without the database's checks: after another workstation
+// changed a shared library (its removed faces' links here are left over), cheap enough to
+// run on every change.
+LibraryCheckReport repairLinks(Catalog& catalog, const std::filesystem::path& activationFolder);
+
 } // namespace Vellumine

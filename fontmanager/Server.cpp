@@ -107,8 +107,7 @@ private:
 
 enum class LoopEnd { stopped, busLost, failed };
 
-void reconcile(Catalog& catalog, const std::filesystem::path& activationFolder,
-               LibraryChanges* changes);
+void logRepairs(const LibraryCheckReport& report, LibraryChanges* changes);
 
 // What the loop works with besides the bus.
 struct LoopParts {
@@ -125,7 +124,7 @@ struct LoopParts {
 // named notification also reaches this workstation's other vellumine processes (the window).
 void takeRemoteChange(LoopParts& parts) {
     try {
-        reconcile(parts.catalog, parts.activationFolder, &parts.changes);
+        logRepairs(repairLinks(parts.catalog, parts.activationFolder), &parts.changes);
     } catch (const std::exception& error) {
         Logger::log(logTag, std::string("after a change of the library: ") + error.what());
     }
@@ -218,11 +217,8 @@ std::unique_ptr<Platform::Linux::DBusAppEvents> reconnect(std::ostream& errors, 
     return nullptr;
 }
 
-// Repairs what a command killed half-way left behind (a link nothing records, or a record
-// without link), and links of faces another workstation removed from a shared library.
-void reconcile(Catalog& catalog, const std::filesystem::path& activationFolder,
-               LibraryChanges* changes) {
-    const LibraryCheckReport report = checkLibrary(catalog, activationFolder, true);
+// Logs what a check found and repaired; repaired links change the active fonts.
+void logRepairs(const LibraryCheckReport& report, LibraryChanges* changes) {
     for (const auto& problem : report.problems) {
         Logger::log(logTag, "found: " + problem);
     }
@@ -232,6 +228,12 @@ void reconcile(Catalog& catalog, const std::filesystem::path& activationFolder,
     if (changes != nullptr && !report.repairs.empty()) {
         changes->announce(ChangeKind::activeFontsChanged);
     }
+}
+
+// Repairs what a command killed half-way left behind (a link nothing records, or a record
+// without link), and links of faces another workstation removed from a shared library.
+void reconcile(Catalog& catalog, const std::filesystem::path& activationFolder) {
+    logRepairs(checkLibrary(catalog, activationFolder, true), nullptr);
 }
 
 } // namespace
@@ -253,7 +255,7 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
     }
     Catalog& catalog = *library;
     catalog.keepLastAnswers();
-    reconcile(catalog, paths.activationFolder(), nullptr);
+    reconcile(catalog, paths.activationFolder());
     Activation activation(catalog, paths.activationFolder());
     LibraryChanges changes(catalog);
     changes.warnTo(errors);

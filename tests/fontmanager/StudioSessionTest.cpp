@@ -98,6 +98,19 @@ TEST_F(StudioSession, AFaceAddedOnAnotherWorkstationReachesTheApplicationsHereWi
     EXPECT_TRUE(answersFor("DejaVuSerif"));
 }
 
+TEST_F(StudioSession, AFaceRemovedOnAnotherWorkstationIsDeactivatedHereToo) {
+    // The request in SetUp activated it here: one face, no choice.
+    const auto link =
+        std::filesystem::path(session.dataHome()) / "fonts" / "vellumine" / "1-DejaVuSans.ttf";
+    ASSERT_FALSE(absent(link));
+    hostEvents.clear();
+    otherWorkstation->removeFace(1);
+    otherWorkstation->recordChange(ChangeKind::libraryFilesChanged);
+    EXPECT_TRUE(VlmTest::waitFor([&] { return absent(link); }, 1000ms));
+    EXPECT_TRUE(hostHears("VLM4/FSBC", 1000ms));
+    EXPECT_FALSE(answersFor("DejaVuSans"));
+}
+
 TEST_F(StudioSession, TheServerAnswersFromWhatItLastKnewWhileTheDatabaseIsAway) {
     cluster.stop();
     EXPECT_TRUE(answersFor("DejaVuSans")); // as it answered before
