@@ -450,6 +450,7 @@ int runCli(const Arguments& given, std::ostream& out, std::ostream& errors,
            const GuiCommands& gui) {
     guiCommands = gui;
     Arguments arguments = given;
+    setLibraryOption(std::nullopt);
     if (!arguments.empty() && arguments[0].rfind("--library=", 0) == 0) {
         setLibraryOption(arguments[0].substr(10));
         arguments.erase(arguments.begin());

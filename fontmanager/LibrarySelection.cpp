@@ -70,8 +70,8 @@ std::filesystem::path defaultConfigFile() {
     return {};
 }
 
-void setLibraryOption(const std::string& url) {
-    libraryOption = url;
+void setLibraryOption(std::optional<std::string> url) {
+    libraryOption = std::move(url);
 }
 
 std::vector<std::string> libraryArguments() {

@@ -36,7 +36,7 @@ std::filesystem::path defaultConfigFile();
 
 // The process's library: set once from the command line (setLibraryOption), then read by
 // every part that opens the catalog (commands, server, window).
-void setLibraryOption(const std::string& url);
+void setLibraryOption(std::optional<std::string> url);
 // {"--library", URL} when the option chose the library, for the programs this one starts.
 std::vector<std::string> libraryArguments();
 LibraryLocation currentLibrary();
