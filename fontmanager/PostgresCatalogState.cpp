@@ -135,8 +135,12 @@ void PostgresCatalog::setStoreUrl(const std::string& urlTemplate) {
 }
 
 std::int64_t PostgresCatalog::createSet(const std::string& name) {
-    connection.query("INSERT INTO sets (name) VALUES ($1) ON CONFLICT (name) DO NOTHING", {name});
-    return *setByName(name);
+    // The update that changes nothing makes RETURNING answer for an existing set too.
+    return connection
+        .query("INSERT INTO sets (name) VALUES ($1) ON CONFLICT (name) DO UPDATE SET name = "
+               "excluded.name RETURNING id",
+               {name})
+        .single();
 }
 
 std::optional<std::int64_t> PostgresCatalog::setByName(const std::string& name) {

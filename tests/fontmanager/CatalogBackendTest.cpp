@@ -18,6 +18,12 @@
 #include <fstream>
 
 namespace Vellumine {
+
+// Test names say which back-end, rather than its bytes.
+void PrintTo(LibraryLocation::Kind kind, std::ostream* out) {
+    *out << (kind == LibraryLocation::Kind::sqlite ? "SQLite" : "PostgreSQL");
+}
+
 namespace {
 
 using namespace VellumineTest;
