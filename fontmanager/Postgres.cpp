@@ -10,6 +10,7 @@ namespace Vellumine {
 namespace {
 
 const std::string insufficientPrivilege = "42501";
+constexpr auto reconnectPause = std::chrono::seconds(3);
 
 std::string firstLine(std::string text) {
     text = text.substr(0, text.find('\n'));
@@ -65,17 +66,22 @@ PgConnection::~PgConnection() {
 
 void PgConnection::connect() {
     PQfinish(connection);
+    connection = nullptr;
     prepared.clear();
+    if (remembering && std::chrono::steady_clock::now() < retryAfter) {
+        throw PostgresUnreachable(lastFailure, "08001");
+    }
     // A library behind a dead host must not hold a command (or the server) for minutes: a
     // time-out the URL does not set itself.
     const char* const keywords[] = {"connect_timeout", "dbname", nullptr};
     const char* const values[] = {"10", conninfo.c_str(), nullptr};
     connection = PQconnectdbParams(keywords, values, 1);
     if (PQstatus(connection) != CONNECTION_OK) {
-        const std::string why = firstLine(PQerrorMessage(connection));
+        lastFailure = where + " is unreachable: " + firstLine(PQerrorMessage(connection));
         PQfinish(connection);
         connection = nullptr;
-        throw PostgresUnreachable(where + " is unreachable: " + why, "08001");
+        retryAfter = std::chrono::steady_clock::now() + reconnectPause;
+        throw PostgresUnreachable(lastFailure, "08001");
     }
     // Notices (NOTICE: relation exists, skipping) are the database's business, not the user's.
     PQsetNoticeProcessor(

@@ -2,6 +2,7 @@
 
 #include "fontmanager/CatalogError.h"
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -104,7 +105,8 @@ public:
     std::string currentUser();
     // From now on, a query that reads (SELECT) and cannot reach the server answers as it
     // last did, when it did; what changes anything still fails. For a server that keeps
-    // answering its applications while the database is away.
+    // answering its applications while the database is away: it also waits a few seconds
+    // between attempts to connect, so that a silent host does not stall every query.
     void rememberAnswers() { remembering = true; }
     bool remembersAnswers() const { return remembering; }
 
@@ -120,6 +122,9 @@ private:
     pg_conn* connection = nullptr;
     std::map<std::string, std::string> prepared; // SQL → statement name
     bool remembering = false;
+    // While remembering: after a failed connection, when to try again, and why it failed.
+    std::chrono::steady_clock::time_point retryAfter{};
+    std::string lastFailure;
     std::map<std::string, std::shared_ptr<pg_result>> answers; // SQL and parameters → rows
 };
 
