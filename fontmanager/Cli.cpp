@@ -3,24 +3,19 @@
 #include "fontmanager/Activation.h"
 #include "fontmanager/Catalog.h"
 #include "fontmanager/CliCommands.h"
-#include "fontmanager/ContainerID.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/FaceSets.h"
-#include "fontmanager/FontRequestHandler.h"
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryChanges.h"
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
 #include "fontmanager/LibrarySelection.h"
-#include "fontmanager/OpenCatalog.h"
 #include "fontmanager/Server.h"
 #include "fontmanager/StoreUrl.h"
-#include "platform/linux/DBusAppEvents.h"
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 #include <functional>
 #include <map>
 

@@ -15,22 +15,21 @@ namespace VellumineTest {
 
 namespace {
 
-// Debian installs the server's programs per major version; the newest one wins.
+// Debian installs the server's programs per major version (/usr/lib/postgresql/15/bin);
+// the newest one wins.
 std::filesystem::path serverPrograms() {
     if (const char* own = std::getenv("VELLUMINE_TEST_PG_BIN")) {
         return own;
     }
     std::filesystem::path best;
+    int bestVersion = 0;
     std::error_code error;
     for (std::filesystem::directory_iterator entries("/usr/lib/postgresql", error), end;
          !error && entries != end; entries.increment(error)) {
-        const auto bin = entries->path() / "bin";
-        if (std::filesystem::exists(bin / "pg_ctl") &&
-            (best.empty() ||
-             entries->path().filename().string().size() >
-                 best.parent_path().filename().string().size() ||
-             entries->path().filename() > best.parent_path().filename())) {
-            best = bin;
+        const int version = std::atoi(entries->path().filename().c_str());
+        if (version > bestVersion && std::filesystem::exists(entries->path() / "bin" / "pg_ctl")) {
+            best = entries->path() / "bin";
+            bestVersion = version;
         }
     }
     return best;
