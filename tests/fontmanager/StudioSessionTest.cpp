@@ -4,15 +4,19 @@
 #include "FontFixtures.h"
 #include "PrivatePostgres.h"
 #include "PrivateSession.h"
+#include "tests/support/FontRecords.h"
 
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryChanges.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/PostgresCatalog.h"
+#include "link/NotifiyHandlerFactory.h"
+#include "link/VLMFontRequestEvent.h"
 #include "platform/Status.h"
 #include "platform/linux/DBusAppEvents.h"
 #include "platform/linux/DefaultServices.h"
 
+#include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -46,6 +50,7 @@ protected:
         host = Platform::Linux::DefaultServices::install("org.galley.Galley", status);
         ASSERT_EQ(status, Platform::Status::ok);
         host->bus()->installHandler("VLM4", "****", recordEvent, &hostEvents);
+        VLM::NotifiyHandlerFactory::getNotifyHandler(true);
         session.spawn({VELLUMINE_EXECUTABLE, "serve"});
         // The request also names the host, which from then on hears of changes.
         ASSERT_TRUE(VlmTest::waitFor([&] { return answersFor("DejaVuSans"); }));
@@ -81,6 +86,25 @@ protected:
             within);
     }
 
+    // The faces fontconfig lists with this PostScript name, on the session's configuration.
+    int fontconfigFaces(const std::string& postScriptName) {
+        FcConfig* config = FcConfigCreate();
+        FcConfigParseAndLoad(config, reinterpret_cast<const FcChar8*>(fontconfig.file().c_str()),
+                             FcTrue);
+        FcConfigBuildFonts(config);
+        FcPattern* pattern = FcPatternCreate();
+        FcPatternAddString(pattern, FC_POSTSCRIPT_NAME,
+                           reinterpret_cast<const FcChar8*>(postScriptName.c_str()));
+        FcObjectSet* objects = FcObjectSetBuild(FC_FILE, nullptr);
+        FcFontSet* fonts = FcFontList(config, pattern, objects);
+        const int count = fonts != nullptr ? fonts->nfont : -1;
+        FcFontSetDestroy(fonts);
+        FcObjectSetDestroy(objects);
+        FcPatternDestroy(pattern);
+        FcConfigDestroy(config);
+        return count;
+    }
+
     VlmTest::PrivateSession session;
     PrivateFontconfig fontconfig{{session.dataHome() + "/fonts"}};
     PrivatePostgres& cluster = PrivatePostgres::shared();
@@ -96,6 +120,21 @@ TEST_F(StudioSession, AFaceAddedOnAnotherWorkstationReachesTheApplicationsHereWi
     addElsewhere(dejaVuSerif);
     EXPECT_TRUE(hostHears("VLM4/FFSC", 1000ms));
     EXPECT_TRUE(answersFor("DejaVuSerif"));
+}
+
+// The main road: the plug-in asks this workstation's server for a font another
+// workstation added from a file that no longer exists anywhere; fontconfig lists it here.
+TEST_F(StudioSession, ThePluginsRequestActivatesAFontAddedElsewhereFromItsBytesAlone) {
+    ScratchFolder elsewhere;
+    addElsewhere(elsewhere.write("Serif.ttf", readFile(dejaVuSerif)));
+    std::filesystem::remove(elsewhere.path() / "Serif.ttf");
+
+    VLM::VLMFontRequestEvent request;
+    request.fonts = {VLMTest::makeFont("1", "DejaVuSerif")};
+    request.build();
+    ASSERT_NE(request.send(), nullptr) << request.getResult();
+    EXPECT_TRUE(request.fonts[0]->font.isActive);
+    EXPECT_EQ(fontconfigFaces("DejaVuSerif"), 1);
 }
 
 TEST_F(StudioSession, AFaceRemovedOnAnotherWorkstationIsDeactivatedHereToo) {
