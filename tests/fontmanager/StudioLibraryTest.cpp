@@ -180,12 +180,15 @@ TEST_F(StudioLibrary, ANotificationTellsTheOtherWorkstationOfAChangeWithinASecon
 }
 
 TEST_F(StudioLibrary, CommandsNameTheUnreachableLibraryAndEverythingRecoversWhenItReturns) {
+    PrivatePostgres own; // stopped below: the run's shared cluster serves other tests
+    ASSERT_TRUE(own.available()) << own.whyNot();
+    const std::string library = own.createDatabase();
     ASSERT_EQ(anne.run({"add", dejaVuSans.string()}, library).status, 0);
     anne.use(library);
     const auto catalog = openCatalog(LibraryLocation::parse(library, "test"));
     LibraryListener listener(LibraryLocation::parse(library, "test"), "workstation-anne");
 
-    cluster.stop();
+    own.stop();
     const CommandRun down = anne.run({"list"}, library);
     EXPECT_EQ(down.status, 1);
     EXPECT_NE(down.errors.find("library " + library + " is unreachable"), std::string::npos)
@@ -198,7 +201,7 @@ TEST_F(StudioLibrary, CommandsNameTheUnreachableLibraryAndEverythingRecoversWhen
     }
     EXPECT_EQ(listener.socket(), -1);
 
-    cluster.start();
+    own.start();
     EXPECT_EQ(catalog->faceCount(), 1);
     EXPECT_TRUE(listener.takeChange(LibraryListener::Clock::now() + 10s)); // may have missed some
     EXPECT_GE(listener.socket(), 0);

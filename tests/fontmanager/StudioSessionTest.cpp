@@ -37,10 +37,14 @@ class StudioSession : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(session.ok()) << session.error();
-        if (!cluster.available()) {
-            GTEST_SKIP() << cluster.whyNot();
+        if (stopsTheDatabase()) {
+            ownCluster = std::make_unique<PrivatePostgres>();
+            cluster = ownCluster.get();
         }
-        library = LibraryLocation::parse(cluster.createDatabase(), "test");
+        if (!cluster->available()) {
+            GTEST_SKIP() << cluster->whyNot();
+        }
+        library = LibraryLocation::parse(cluster->createDatabase(), "test");
         setenv("VELLUMINE_LIBRARY", library.url.c_str(), 1);
         setenv("VELLUMINE_MACHINE_ID", "workstation-here", 1);
         otherWorkstation = std::make_unique<PostgresCatalog>(library, "workstation-there");
@@ -55,6 +59,9 @@ protected:
         // The request also names the host, which from then on hears of changes.
         ASSERT_TRUE(VlmTest::waitFor([&] { return answersFor("DejaVuSans"); }));
     }
+    // A test that stops the database has a cluster of its own: others share the run's.
+    virtual bool stopsTheDatabase() const { return false; }
+
     void TearDown() override {
         unsetenv("VELLUMINE_LIBRARY");
         unsetenv("VELLUMINE_MACHINE_ID");
@@ -105,9 +112,10 @@ protected:
         return count;
     }
 
+    std::unique_ptr<PrivatePostgres> ownCluster; // outlives the session's server
     VlmTest::PrivateSession session;
     PrivateFontconfig fontconfig{{session.dataHome() + "/fonts"}};
-    PrivatePostgres& cluster = PrivatePostgres::shared();
+    PrivatePostgres* cluster = &PrivatePostgres::shared();
     LibraryLocation library;
     FaceReader reader;
     std::unique_ptr<PostgresCatalog> otherWorkstation;
@@ -150,8 +158,13 @@ TEST_F(StudioSession, AFaceRemovedOnAnotherWorkstationIsDeactivatedHereToo) {
     EXPECT_FALSE(answersFor("DejaVuSans"));
 }
 
-TEST_F(StudioSession, TheServerAnswersFromWhatItLastKnewWhileTheDatabaseIsAway) {
-    cluster.stop();
+class StudioSessionStoppingTheDatabase : public StudioSession {
+protected:
+    bool stopsTheDatabase() const override { return true; }
+};
+
+TEST_F(StudioSessionStoppingTheDatabase, TheServerAnswersFromWhatItLastKnewWhileItIsAway) {
+    cluster->stop();
     EXPECT_TRUE(answersFor("DejaVuSans")); // as it answered before
     std::string reply;
     host->bus()->send("VLMQ",
@@ -160,7 +173,7 @@ TEST_F(StudioSession, TheServerAnswersFromWhatItLastKnewWhileTheDatabaseIsAway) 
                        "</cmd>\n"},
                       reply);
     EXPECT_NE(reply.find("unreachable"), std::string::npos) << reply;
-    cluster.start();
+    cluster->start();
     EXPECT_TRUE(VlmTest::waitFor([&] { return answersFor("DejaVuSans"); }));
     otherWorkstation = std::make_unique<PostgresCatalog>(library, "workstation-there");
     // The server listens again a few seconds after the database returned.

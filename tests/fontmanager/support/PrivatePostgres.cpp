@@ -38,17 +38,38 @@ std::filesystem::path serverPrograms() {
 } // namespace
 
 PrivatePostgres::PrivatePostgres() : bin(serverPrograms()) {
-    if (bin.empty() || !std::filesystem::exists(bin / "initdb")) {
-        problem = "the PostgreSQL server's programs (initdb, pg_ctl) are not installed; "
-                  "install Debian's postgresql package to run these tests";
-        return;
-    }
     std::string folder = "/tmp/vlm-pg-XXXXXX";
     if (mkdtemp(folder.data()) == nullptr) {
         problem = "cannot make a temporary folder";
         return;
     }
+    create(folder);
+}
+
+PrivatePostgres::PrivatePostgres(const std::filesystem::path& folder, Use use)
+    : bin(serverPrograms()) {
+    if (use == Use::attach) {
+        root = folder;
+        owning = false;
+        asPostgresUser = geteuid() == 0;
+        ready = running = std::filesystem::exists(folder / ".s.PGSQL.5432");
+        if (!ready) {
+            problem = "no server at " + folder.string();
+        }
+        return;
+    }
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    create(folder);
+}
+
+void PrivatePostgres::create(const std::filesystem::path& folder) {
     root = folder;
+    if (bin.empty() || !std::filesystem::exists(bin / "initdb")) {
+        problem = "the PostgreSQL server's programs (initdb, pg_ctl) are not installed; "
+                  "install Debian's postgresql package to run these tests";
+        return;
+    }
     asPostgresUser = geteuid() == 0;
     if (asPostgresUser) {
         const passwd* postgres = getpwnam("postgres");
@@ -75,6 +96,9 @@ PrivatePostgres::PrivatePostgres() : bin(serverPrograms()) {
 }
 
 PrivatePostgres::~PrivatePostgres() {
+    if (!owning) {
+        return;
+    }
     stop();
     if (!root.empty() && ready) {
         std::error_code error;
@@ -83,7 +107,16 @@ PrivatePostgres::~PrivatePostgres() {
 }
 
 PrivatePostgres& PrivatePostgres::shared() {
-    static PrivatePostgres cluster;
+    // Under CTest, one cluster started for the whole run (a fixture) serves every test
+    // process; a test program run on its own starts its own.
+    static PrivatePostgres cluster = [] {
+        const char* running = std::getenv("VELLUMINE_TEST_PG_HOST");
+        if (running != nullptr &&
+            std::filesystem::exists(std::filesystem::path(running) / ".s.PGSQL.5432")) {
+            return PrivatePostgres(running, Use::attach);
+        }
+        return PrivatePostgres();
+    }();
     return cluster;
 }
 
@@ -146,7 +179,9 @@ void PrivatePostgres::execute(const std::string& database, const std::string& sq
 }
 
 std::string PrivatePostgres::createDatabase() {
-    const std::string name = "library" + std::to_string(++databases);
+    // Unique across the processes that share one cluster.
+    const std::string name =
+        "library_" + std::to_string(getpid()) + "_" + std::to_string(++databases);
     execute("postgres", "CREATE DATABASE " + name);
     return url(name);
 }

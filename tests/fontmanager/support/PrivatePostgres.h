@@ -15,13 +15,25 @@ namespace VellumineTest {
 // install, so that the tests skip instead of failing.
 class PrivatePostgres {
 public:
+    enum class Use { create, attach };
+
+    // A new cluster in a new temporary folder.
     PrivatePostgres();
+    // create: a new cluster in `folder` (absent or empty), left running when detach()ed;
+    // attach: the cluster running there, which this object neither stops nor removes.
+    PrivatePostgres(const std::filesystem::path& folder, Use use);
     ~PrivatePostgres();
     PrivatePostgres(const PrivatePostgres&) = delete;
     PrivatePostgres& operator=(const PrivatePostgres&) = delete;
 
-    // One cluster per test program: started on first use, stopped at exit.
+    // The cluster of the whole CTest run (VELLUMINE_TEST_PG_HOST names its folder), else
+    // one of this program's, started on first use and stopped at exit. A test that stops
+    // the database takes a cluster of its own instead, since others use this one.
     static PrivatePostgres& shared();
+    // Leaves the cluster running after this object (for the CTest fixture that starts it).
+    void detach() { owning = false; }
+    // Stops and removes an attached cluster with this object (for the fixture's end).
+    void adopt() { owning = true; }
 
     bool available() const { return ready; }
     const std::string& whyNot() const { return problem; }
@@ -39,6 +51,7 @@ public:
     static constexpr const char* superuser = "postgres";
 
 private:
+    void create(const std::filesystem::path& folder);
     int run(std::vector<std::string> arguments, const std::string& log) const;
 
     std::filesystem::path bin;
@@ -46,6 +59,7 @@ private:
     bool ready = false;
     bool running = false;
     bool asPostgresUser = false;
+    bool owning = true;
     std::string problem;
     int databases = 0;
 };
