@@ -94,7 +94,11 @@ void PostgresCatalog::write(const std::function<void()>& work) {
         try {
             connection.execute("BEGIN");
             depth = 1;
+            notifyOnCommit = false;
             work();
+            if (notifyOnCommit) {
+                connection.query("SELECT pg_notify($1, $2)", {changeChannel, machine});
+            }
             connection.execute("COMMIT");
             depth = 0;
             return;
@@ -183,8 +187,10 @@ void PostgresCatalog::dropUnusedContent(const std::vector<std::string>& hashes) 
     }
 }
 
+// Sent once, just before the transaction commits: PostgreSQL delivers it with the commit,
+// and a transaction that adds ten thousand faces needs to say so only once.
 void PostgresCatalog::notifyChange() {
-    connection.query("SELECT pg_notify($1, $2)", {changeChannel, machine});
+    notifyOnCommit = true;
 }
 
 AddedFace PostgresCatalog::addFace(const std::filesystem::path& file,
@@ -194,24 +200,26 @@ AddedFace PostgresCatalog::addFace(const std::filesystem::path& file,
     write([&] {
         const std::string content = store(file);
         const std::string metrics = metricsFile.empty() ? "" : store(metricsFile);
-        const PgResult before =
-            connection.query("SELECT content, coalesce(metrics_content, '') FROM faces "
-                             "WHERE path = $1 AND face_index = $2",
-                             {file.string(), static_cast<std::int64_t>(face.faceIndex)});
+        // One round trip: `old` sees the row as it was before the upsert (every part of the
+        // statement sees the same snapshot), so a refresh knows which bytes it replaced.
         const PgResult row = connection.query(
-            "INSERT INTO faces (path, face_index, ps_name, family, style, type, metrics_path, "
-            "content, metrics_content, added_at, added_by) "
+            "WITH old AS (SELECT content, coalesce(metrics_content, '') AS metrics FROM faces "
+            "WHERE path = $1 AND face_index = $2), "
+            "upsert AS (INSERT INTO faces (path, face_index, ps_name, family, style, type, "
+            "metrics_path, content, metrics_content, added_at, added_by) "
             "VALUES ($1, $2, $3, $4, $5, $6, $7, $8, nullif($9, ''), $10, $11) "
             "ON CONFLICT (path, face_index) DO UPDATE SET ps_name = excluded.ps_name, "
             "family = excluded.family, style = excluded.style, type = excluded.type, "
             "metrics_path = excluded.metrics_path, content = excluded.content, "
-            "metrics_content = excluded.metrics_content RETURNING id",
+            "metrics_content = excluded.metrics_content RETURNING id) "
+            "SELECT upsert.id, old.content IS NULL, coalesce(old.content, ''), "
+            "coalesce(old.metrics, '') FROM upsert LEFT JOIN old ON true",
             {file.string(), static_cast<std::int64_t>(face.faceIndex), face.postScriptName,
              face.family, face.style, wireText(face.type), metricsFile.string(), content, metrics,
              now(), machine});
-        added = {row.integer(0, 0), before.rows() == 0};
-        if (before.rows() > 0) {
-            dropUnusedContent({before.text(0, 0), before.text(0, 1)});
+        added = {row.integer(0, 0), row.text(0, 1) == "t"};
+        if (!added.isNew && (row.text(0, 2) != content || row.text(0, 3) != metrics)) {
+            dropUnusedContent({row.text(0, 2), row.text(0, 3)});
         }
         notifyChange();
     });

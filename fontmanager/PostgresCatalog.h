@@ -123,6 +123,7 @@ private:
     PgConnection connection;
     BusyReporter busyReporter;
     int depth = 0; // open transactions: nested ones join the outermost
+    bool notifyOnCommit = false;
     // Files stored in this transaction, so that the faces of a collection read it once.
     std::map<std::filesystem::path, std::string> storedFiles;
 };

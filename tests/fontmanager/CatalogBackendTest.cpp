@@ -201,6 +201,19 @@ TEST_F(SharedLibrary, StoresEachContentOnceAndDropsItWithItsLastFace) {
     EXPECT_FALSE(catalog->storedContent(hash));
 }
 
+TEST_F(SharedLibrary, AFileAddedAgainWithOtherBytesKeepsItsFaceAndDropsTheOldBytes) {
+    const auto file = scratch.write("Body.ttf", readFile(dejaVuSans));
+    LibraryImporter(*catalog, reader).add({file});
+    const FaceRecord before = catalog->allFaces().at(0);
+    scratch.write("Body.ttf", readFile(dejaVuSerif));
+    const ImportReport again = LibraryImporter(*catalog, reader).add({file});
+    EXPECT_EQ(again.facesKnown, 1);
+    const FaceRecord after = *catalog->face(before.id);
+    EXPECT_EQ(after.postScriptName, "DejaVuSerif");
+    EXPECT_EQ(after.contentHash, *Sha256::ofFile(dejaVuSerif));
+    EXPECT_FALSE(catalog->storedContent(before.contentHash));
+}
+
 TEST_F(SharedLibrary, ActivatesFromAVerifiedCacheAndFetchesADamagedCopyAgain) {
     const auto source = scratch.write("Source.ttf", readFile(dejaVuSans));
     LibraryImporter(*catalog, reader).add({source});
