@@ -215,6 +215,12 @@ void PostgresCatalog::grant(const std::string& role, LibraryRight right) {
     write([&] {
         const std::string who = connection.quoteIdentifier(role);
         const std::string libraryTables = postgresLibraryTables;
+        // PostgreSQL gives these to every role by default, but a hardened server takes them
+        // away from PUBLIC; given again they cost nothing.
+        const std::string database =
+            connection.quoteIdentifier(connection.query("SELECT current_database()").text(0, 0));
+        connection.execute("GRANT CONNECT ON DATABASE " + database + " TO " + who);
+        connection.execute("GRANT USAGE ON SCHEMA public TO " + who);
         connection.execute(std::string("GRANT SELECT ON ") + postgresReadTables + " TO " + who);
         connection.execute(std::string("GRANT SELECT, INSERT, UPDATE, DELETE ON ") +
                            postgresWorkstationTables + " TO " + who);

@@ -131,6 +131,10 @@ TEST_F(StudioLibrary, AReadOnlyRoleListsAndActivatesButAddingNamesTheMissingRigh
     ASSERT_EQ(anne.run({"add", dejaVuSans.string()}, library).status, 0);
     const std::string role = "reader_" + databaseOf(library);
     cluster.execute(databaseOf(library), "CREATE ROLE " + role + " LOGIN");
+    // A hardened server: nothing for PUBLIC, so the role has only what grant gives it.
+    cluster.execute(databaseOf(library), "REVOKE CONNECT ON DATABASE " + databaseOf(library) +
+                                             " FROM PUBLIC; REVOKE USAGE ON SCHEMA public FROM "
+                                             "PUBLIC");
     ASSERT_EQ(anne.run({"grant", role, "read"}, library).status, 0);
     const std::string asReader = cluster.url(databaseOf(library), role);
 
