@@ -67,8 +67,9 @@ std::string faceName(const FaceRecord& face) {
 
 } // namespace
 
-Activation::Activation(Catalog& catalog, std::filesystem::path folder)
-    : catalog(catalog), folder(std::move(folder)) {}
+Activation::Activation(Catalog& catalog, std::filesystem::path folder,
+                       std::filesystem::path cacheFolder)
+    : catalog(catalog), folder(std::move(folder)), files(catalog, std::move(cacheFolder)) {}
 
 bool Activation::isIntact(const LinkRecord& link) {
     return pointsTo(link.link, link.target);
@@ -90,17 +91,21 @@ std::string Activation::linkName(std::int64_t id, const std::filesystem::path& f
            extension;
 }
 
-bool Activation::stillHolds(const FaceRecord& face, std::string& problem) const {
+bool Activation::stillHolds(const FaceRecord& face, std::string& problem) {
+    if (!files.fetch(face, problem)) {
+        return false;
+    }
+    const std::filesystem::path file = files.fontFile(face);
     std::error_code error;
-    if (!std::filesystem::exists(face.file, error)) {
-        problem = "font file " + face.file.string() + " is gone";
+    if (!std::filesystem::exists(file, error)) {
+        problem = "font file " + file.string() + " is gone";
         return false;
     }
-    if (!std::filesystem::is_regular_file(face.file, error)) {
-        problem = face.file.string() + " is no longer a regular file";
+    if (!std::filesystem::is_regular_file(file, error)) {
+        problem = file.string() + " is no longer a regular file";
         return false;
     }
-    const FontFileReading reading = reader.read(face.file);
+    const FontFileReading reading = reader.read(file);
     const bool holds = std::any_of(reading.faces.begin(), reading.faces.end(),
                                    [&](const FaceDescription& description) {
                                        return description.faceIndex == face.faceIndex &&
@@ -108,7 +113,7 @@ bool Activation::stillHolds(const FaceRecord& face, std::string& problem) const 
                                               description.type == face.type;
                                    });
     if (!holds) {
-        problem = face.file.string() + " no longer holds this face (changed since it was " +
+        problem = file.string() + " no longer holds this face (changed since it was " +
                   "added; add it again)";
     }
     return holds;
@@ -119,10 +124,11 @@ ActivationResult Activation::activate(std::int64_t faceId, const ActivationOrigi
     if (!face) {
         return {Outcome::failed, "no face with container id " + std::to_string(faceId)};
     }
-    // The file is read before the write transaction, so that a slow or strange file never
-    // holds the catalog's lock.
+    // The file is fetched and read before the write transaction, so that a slow or strange
+    // file never holds the catalog's lock.
     std::string problem;
-    if (!face->active && !stillHolds(*face, problem)) {
+    // An active face may be linked anew (its link was removed): from a verified copy too.
+    if (face->active ? !files.fetch(*face, problem) : !stillHolds(*face, problem)) {
         return {Outcome::failed, faceName(*face) + ": " + problem};
     }
     ActivationResult result;
@@ -146,16 +152,17 @@ ActivationResult Activation::link(std::int64_t faceId, const ActivationOrigin& o
         }
         catalog.removeLink(face->id); // someone removed or replaced our link: make it anew
     }
+    const std::filesystem::path file = files.fontFile(*face);
     std::error_code error;
-    if (!std::filesystem::is_regular_file(face->file, error)) {
-        return {Outcome::failed, name + ": font file " + face->file.string() + " is gone"};
+    if (!std::filesystem::is_regular_file(file, error)) {
+        return {Outcome::failed, name + ": font file " + file.string() + " is gone"};
     }
     if (shareCollectionLink(*face, autoFor)) {
         return {Outcome::changed, name + " activated (collection already linked)"};
     }
     std::filesystem::create_directories(folder, error);
-    LinkRecord record{face->id, folder / linkName(face->id, face->file), face->file, {}, {},
-                      autoFor};
+    // Named after the file as added, so that the folder reads well and keeps the extension.
+    LinkRecord record{face->id, folder / linkName(face->id, face->file), file, {}, {}, autoFor};
     std::string problem;
     if (!makeLink(record.target, record.link, problem)) {
         return {Outcome::failed, name + ": " + problem};
@@ -184,15 +191,16 @@ bool Activation::shareCollectionLink(const FaceRecord& face, const std::string& 
 }
 
 void Activation::linkMetrics(const FaceRecord& face, LinkRecord& record) {
+    const std::filesystem::path metrics = files.metricsFile(face);
     std::error_code error;
-    if (face.metricsFile.empty() || !std::filesystem::is_regular_file(face.metricsFile, error)) {
+    if (metrics.empty() || !std::filesystem::is_regular_file(metrics, error)) {
         return;
     }
     const auto link = folder / linkName(face.id, face.metricsFile);
     std::string problem;
-    if (makeLink(face.metricsFile, link, problem)) {
+    if (makeLink(metrics, link, problem)) {
         record.metricsLink = link;
-        record.metricsTarget = face.metricsFile;
+        record.metricsTarget = metrics;
     } else {
         Logger::log("vellumine-activation", problem);
     }
@@ -220,6 +228,29 @@ ActivationResult Activation::deactivate(std::int64_t faceId) {
         }
         result = {Outcome::changed, name + " deactivated"};
     });
+    return result;
+}
+
+RemovalResult Activation::remove(std::int64_t faceId) {
+    RemovalResult result;
+    std::optional<LinkRecord> link;
+    bool shared = false;
+    catalog.write([&] {
+        result = {};
+        const auto face = catalog.face(faceId);
+        if (!face) {
+            result.message = "no face with container id " + std::to_string(faceId);
+            return;
+        }
+        link = catalog.link(faceId);
+        shared = link && catalog.linkUsers(link->link) > 1;
+        catalog.removeFace(faceId);
+        result = {true, link.has_value(), faceName(*face) + " removed from the library"};
+    });
+    if (result.removed && link && !shared) {
+        removeOwnLink(link->link, link->target);
+        removeOwnLink(link->metricsLink, link->metricsTarget);
+    }
     return result;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fontmanager/Catalog.h"
+#include "fontmanager/FaceFiles.h"
 #include "fontmanager/FaceReader.h"
 
 #include <filesystem>
@@ -14,6 +15,12 @@ struct ActivationResult {
     std::string message;
 
     bool succeeded() const { return outcome != Outcome::failed; }
+};
+
+struct RemovalResult {
+    bool removed = false;
+    bool wasActive = false; // on this workstation
+    std::string message;
 };
 
 // Who asks for an activation. By default, a user: that also turns an automatic activation
@@ -34,11 +41,17 @@ struct ActivationOrigin {
 // (which share a link) cannot leave a face recorded active without its link.
 class Activation {
 public:
-    Activation(Catalog& catalog, std::filesystem::path folder);
+    // A library that holds the bytes links from the workstation's cache (`cacheFolder`,
+    // empty: FaceFiles' default).
+    Activation(Catalog& catalog, std::filesystem::path folder,
+               std::filesystem::path cacheFolder = {});
 
     // Activating an active face changes nothing (but its origin, see ActivationOrigin).
     ActivationResult activate(std::int64_t faceId, const ActivationOrigin& origin = {});
     ActivationResult deactivate(std::int64_t faceId);
+    // Removes the face from the library, and its link here once the removal is committed
+    // (a refused removal leaves the face active).
+    RemovalResult remove(std::int64_t faceId);
 
     // Whether the recorded link is still there and points to the recorded target.
     static bool isIntact(const LinkRecord& link);
@@ -55,10 +68,11 @@ private:
     void linkMetrics(const FaceRecord& face, LinkRecord& record);
     // Whether the face's file still holds that face; the file may have been replaced since
     // it was added.
-    bool stillHolds(const FaceRecord& face, std::string& problem) const;
+    bool stillHolds(const FaceRecord& face, std::string& problem);
 
     Catalog& catalog;
     std::filesystem::path folder;
+    FaceFiles files;
     FaceReader reader;
 };
 

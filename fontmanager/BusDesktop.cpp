@@ -1,5 +1,6 @@
 #include "fontmanager/BusDesktop.h"
 
+#include "fontmanager/LibrarySelection.h"
 #include "fontmanager/WindowBus.h"
 #include "foundation/Logger.h"
 #include "platform/linux/BackgroundLaunch.h"
@@ -101,7 +102,11 @@ void BusDesktop::showFace(const std::string& containerID, const std::string& pos
         }
         Logger::log(logTag, "the window did not take the show request; starting another");
     }
-    std::vector<std::string> argv = {executable.string(), "window", "--show", postScriptName};
+    std::vector<std::string> argv = {executable.string()};
+    // The window opens the server's library, also when --library chose it.
+    const std::vector<std::string> library = libraryArguments();
+    argv.insert(argv.end(), library.begin(), library.end());
+    argv.insert(argv.end(), {"window", "--show", postScriptName});
     if (!containerID.empty()) {
         argv.insert(argv.end(), {"--container", containerID});
     }

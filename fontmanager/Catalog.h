@@ -26,6 +26,12 @@ struct FaceRecord {
     // A face fontconfig lists outside vellumine's activation folder: active, with no
     // container (id 0), since vellumine can neither activate nor deactivate it.
     bool onSystem = false;
+    // A library that holds the bytes (PostgreSQL): the SHA-256 of the file's and the
+    // metrics file's content, which a workstation activates from its local copy; `file` and
+    // `metricsFile` then say where they were added from. Empty where the library only
+    // records paths (SQLite).
+    std::string contentHash;
+    std::string metricsHash;
 };
 
 // A link that activation made, with what it pointed to when it was made.
@@ -78,6 +84,15 @@ struct AutoRequester {
     std::int64_t faceId = 0;
     std::string application; // the signature from <targetApp>
 };
+
+// How many workstations have a face active: the ground for licence seat counts.
+struct FaceUse {
+    std::int64_t faceId = 0;
+    std::int64_t workstations = 0;
+};
+
+// What `vellumine grant` gives a database role.
+enum class LibraryRight { read, write };
 
 struct AddedFace {
     std::int64_t id = 0;
@@ -188,6 +203,24 @@ public:
     // The store a buy request opens; "%s" stands for the font's name. Empty: the default.
     virtual std::string storeUrl() = 0;
     virtual void setStoreUrl(const std::string& urlTemplate) = 0;
+
+    // --- A studio's library ---
+
+    // Removes a face from the library (its links' records and set memberships with it, and
+    // its bytes when no other face uses them); false when there is no such face. The links
+    // on disk are the caller's (Activation) to remove first.
+    virtual bool removeFace(std::int64_t id) = 0;
+    // The bytes stored under a content hash (FaceRecord::contentHash), or nothing when the
+    // library holds none.
+    virtual std::optional<std::string> storedContent(const std::string& sha256) = 0;
+    // Faces active on at least one workstation, with the number of workstations.
+    virtual std::vector<FaceUse> faceUse() = 0;
+    // Lets a database role use the library; throws where the library has no roles.
+    virtual void grant(const std::string& role, LibraryRight right) = 0;
+    // For the server: while a shared library's database is unreachable, queries answer as
+    // they last did (changes still fail), so that applications keep getting answers. A
+    // library on this machine has nothing to do.
+    virtual void keepLastAnswers() {}
 };
 
 } // namespace Vellumine

@@ -2,23 +2,20 @@
 
 #include "fontmanager/Activation.h"
 #include "fontmanager/Catalog.h"
-#include "fontmanager/ContainerID.h"
+#include "fontmanager/CliCommands.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/FaceSets.h"
-#include "fontmanager/FontRequestHandler.h"
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryChanges.h"
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
-#include "fontmanager/OpenCatalog.h"
+#include "fontmanager/LibrarySelection.h"
 #include "fontmanager/Server.h"
 #include "fontmanager/StoreUrl.h"
-#include "platform/linux/DBusAppEvents.h"
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 #include <functional>
 #include <map>
 
@@ -36,7 +33,7 @@ struct Command {
 
 GuiCommands guiCommands;
 
-constexpr int usageError = 2;
+constexpr int usageError = cliUsageError;
 
 bool wantsHelp(const Arguments& arguments) {
     for (const auto& argument : arguments) {
@@ -45,49 +42,6 @@ bool wantsHelp(const Arguments& arguments) {
         }
     }
     return false;
-}
-
-std::string formatTime(std::int64_t unixTime) {
-    const std::time_t time = static_cast<std::time_t>(unixTime);
-    std::tm parts{};
-    localtime_r(&time, &parts);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts);
-    return text;
-}
-
-// A catalog for a command that changes it; being busy is reported where the user sees it.
-std::unique_ptr<Catalog> openForWriting(const LibraryPaths& paths, std::ostream& errors) {
-    return openCatalog(
-        LibraryLocation::sqliteFile(paths.catalogFile()),
-        [&errors](const std::string& message) { errors << "vellumine: " << message << "\n"; });
-}
-
-std::unique_ptr<Catalog> openForReading(const LibraryPaths& paths) {
-    return openCatalogForReading(LibraryLocation::sqliteFile(paths.catalogFile()));
-}
-
-// A value in a tab-separated line: tabs, line ends and other control characters would
-// split or forge lines, so they are written as escapes ("\t", "\n", "\x1b"), and a
-// backslash as "\\".
-std::string field(const std::string& value) {
-    static const char* const hex = "0123456789abcdef";
-    std::string text;
-    for (const char c : value) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '\\') {
-            text += "\\\\";
-        } else if (c == '\t') {
-            text += "\\t";
-        } else if (c == '\n') {
-            text += "\\n";
-        } else if (byte < 0x20 || byte == 0x7F) {
-            text += std::string("\\x") + hex[byte >> 4] + hex[byte & 0xF];
-        } else {
-            text += c;
-        }
-    }
-    return text;
 }
 
 int serveCommand(const Arguments& arguments, std::ostream&, std::ostream& errors) {
@@ -108,8 +62,7 @@ int addCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
         errors << "vellumine add: name at least one font file or folder\n";
         return usageError;
     }
-    const auto paths = LibraryPaths::fromEnvironment();
-    auto catalogFile = openForWriting(paths, errors);
+    auto catalogFile = openForWriting(errors);
     Catalog& catalog = *catalogFile;
     FaceReader reader;
     LibraryImporter importer(catalog, reader);
@@ -126,13 +79,6 @@ int addCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
     return report.missingPaths ? 1 : 0;
 }
 
-void printFace(const FaceRecord& face, std::ostream& out) {
-    out << face.id << "\t" << wireText(face.type) << "\t" << (face.active ? "active" : "inactive")
-        << "\t" << field(face.postScriptName) << "\t" << field(face.family) << "\t"
-        << field(face.style) << "\t" << field(face.file.string())
-        << (face.faceIndex > 0 ? "#" + std::to_string(face.faceIndex) : "") << "\n";
-}
-
 int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
     bool activeOnly = false;
     std::string name;
@@ -146,7 +92,7 @@ int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& err
             return usageError;
         }
     }
-    const auto catalog = openForReading(LibraryPaths::fromEnvironment());
+    const auto catalog = openForReading();
     const auto faces = name.empty() ? catalog->allFaces() : catalog->facesByPostScriptName(name);
     for (const auto& face : faces) {
         if (!activeOnly || face.active) {
@@ -154,32 +100,6 @@ int listCommand(const Arguments& arguments, std::ostream& out, std::ostream& err
         }
     }
     return 0;
-}
-
-// A container id, or a PostScript name; `all` allows a name to stand for several faces.
-bool resolveFaces(Catalog& catalog, const std::string& argument, bool all,
-                  std::vector<std::int64_t>& ids, std::ostream& errors) {
-    if (const auto id = parseContainerID(argument)) {
-        ids.push_back(*id);
-        return true;
-    }
-    const auto faces = catalog.facesByPostScriptName(argument);
-    if (faces.empty()) {
-        errors << "no face with container id or PostScript name '" << argument << "'\n";
-        return false;
-    }
-    if (faces.size() > 1 && !all) {
-        errors << argument << " names " << faces.size()
-               << " faces; name one by its container id:\n";
-        for (const auto& face : faces) {
-            errors << "  " << face.id << "\t" << describeFace(face) << "\n";
-        }
-        return false;
-    }
-    for (const auto& face : faces) {
-        ids.push_back(face.id);
-    }
-    return true;
 }
 
 // The faces vellumine activated on its own, for `deactivate --auto`.
@@ -200,7 +120,7 @@ int changeActivation(const Arguments& arguments, std::ostream& out, std::ostream
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    auto catalogFile = openForWriting(paths, errors);
+    auto catalogFile = openForWriting(errors);
     Catalog& catalog = *catalogFile;
     Activation activation(catalog, paths.activationFolder());
     bool failed = false;
@@ -227,76 +147,6 @@ int changeActivation(const Arguments& arguments, std::ostream& out, std::ostream
     return failed ? 1 : 0;
 }
 
-std::string serverState() {
-    int status = 0;
-    auto bus = Platform::Linux::DBusAppEvents::open("", status);
-    if (!bus) {
-        return "unknown (cannot connect to the session bus)";
-    }
-    return bus->hasOwner(serviceBusName) ? "running (" + serviceBusName + " is owned)"
-                                         : "not running";
-}
-
-void printWindowlessRequests(Catalog& catalog, const std::string& kind, const char* title,
-                             std::ostream& out) {
-    const auto requests = catalog.windowlessRequests(kind, 20);
-    out << title << (requests.empty() ? ": none\n" : ":\n");
-    for (const auto& request : requests) {
-        out << "  " << formatTime(request.unixTime) << "  " << request.postScriptName
-            << (request.type.empty() ? "" : " (" + request.type + ")")
-            << (request.containerID.empty() ? "" : " container " + request.containerID)
-            << (request.application.empty() ? "" : " from " + request.application) << "\n";
-    }
-}
-
-void printAutomaticActivations(Catalog& catalog, std::ostream& out) {
-    const auto links = catalog.autoActivatedLinks();
-    out << "activated automatically" << (links.empty() ? ": none\n" : ":\n");
-    std::map<std::int64_t, std::string> askedBy;
-    for (const auto& requester : catalog.autoRequesters()) {
-        std::string& applications = askedBy[requester.faceId];
-        applications += (applications.empty() ? "" : ", ") + field(requester.application);
-    }
-    for (const auto& link : links) {
-        const auto face = catalog.face(link.faceId);
-        out << "  " << link.faceId << "\t" << (face ? field(face->postScriptName) : "?") << "\tfor "
-            << askedBy[link.faceId] << "\n";
-    }
-}
-
-int statusCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
-    if (!arguments.empty()) {
-        errors << "vellumine status: takes no arguments\n";
-        return usageError;
-    }
-    const auto paths = LibraryPaths::fromEnvironment();
-    const auto catalogFile = openForReading(paths);
-    Catalog& catalog = *catalogFile;
-    out << "catalog: " << paths.catalogFile().string()
-        << (catalog.isReadOnly() ? " (read-only)" : "") << "\n"
-        << "activation folder: " << paths.activationFolder().string() << "\n"
-        << "faces: " << catalog.faceCount() << " (" << catalog.activeFaceCount() << " active)\n"
-        << "auto-activation: " << (catalog.autoActivation() ? "on" : "off") << "\n"
-        << "auto-deactivation: " << (catalog.autoDeactivation() ? "on" : "off") << "\n"
-        << "system fonts: " << (catalog.systemFonts() ? "on" : "off") << "\n"
-        << "server: " << serverState() << "\n";
-    printAutomaticActivations(catalog, out);
-    out << "applications told of changes:";
-    for (const auto& target : catalog.targets()) {
-        out << " " << target.signature << " (" << target.eventClass << ")";
-    }
-    out << "\n";
-    for (const auto& link : catalog.allLinks()) {
-        if (!Activation::isIntact(link)) {
-            out << "broken activation link: " << link.link.string() << " (container " << link.faceId
-                << ")\n";
-        }
-    }
-    printWindowlessRequests(catalog, "show", "asked to show", out);
-    printWindowlessRequests(catalog, "buy", "wish list", out);
-    return 0;
-}
-
 int checkCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
     const bool repair = arguments.size() == 1 && arguments[0] == "--repair";
     if (!arguments.empty() && !repair) {
@@ -304,7 +154,7 @@ int checkCommand(const Arguments& arguments, std::ostream& out, std::ostream& er
         return usageError;
     }
     const auto paths = LibraryPaths::fromEnvironment();
-    const auto catalog = repair ? openForWriting(paths, errors) : openForReading(paths);
+    const auto catalog = repair ? openForWriting(errors) : openForReading();
     const LibraryCheckReport report = checkLibrary(*catalog, paths.activationFolder(), repair);
     for (const auto& problem : report.problems) {
         out << "problem: " << field(problem) << "\n";
@@ -343,16 +193,15 @@ int storeUrlCommand(const Arguments& arguments, std::ostream& out, std::ostream&
                   "where the font's name goes\n";
         return usageError;
     }
-    const auto catalog = openForWriting(LibraryPaths::fromEnvironment(), errors);
+    const auto catalog = openForWriting(errors);
     catalog->write([&] { catalog->setStoreUrl(value == "default" ? "" : value); });
     out << "store-url " << (value == "default" ? defaultStoreUrl : value) << "\n";
     return 0;
 }
 
 int configCommand(const Arguments& arguments, std::ostream& out, std::ostream& errors) {
-    const auto paths = LibraryPaths::fromEnvironment();
     if (arguments.empty()) {
-        const auto catalog = openForReading(paths);
+        const auto catalog = openForReading();
         for (const auto& setting : settings) {
             out << setting.name << " " << (((*catalog).*setting.get)() ? "on" : "off") << "\n";
         }
@@ -371,7 +220,7 @@ int configCommand(const Arguments& arguments, std::ostream& out, std::ostream& e
         errors << "vellumine config: usage: " << configUsage << "\n";
         return usageError;
     }
-    const auto catalog = openForWriting(paths, errors);
+    const auto catalog = openForWriting(errors);
     catalog->write([&] { ((*catalog).*setting->set)(arguments[1] == "on"); });
     out << setting->name << " " << arguments[1] << "\n";
     return 0;
@@ -394,7 +243,7 @@ int setCommand(const Arguments& arguments, std::ostream& out, std::ostream& erro
     }
     const auto paths = LibraryPaths::fromEnvironment();
     const bool reads = verb == "list" || verb == "show";
-    const auto catalog = reads ? openForReading(paths) : openForWriting(paths, errors);
+    const auto catalog = reads ? openForReading() : openForWriting(errors);
     Activation activation(*catalog, paths.activationFolder());
     LibraryChanges changes(*catalog);
     FaceSets sets(*catalog, activation, changes);
@@ -525,10 +374,25 @@ const std::map<std::string, Command>& commands() {
           }}},
         {"status",
          {"status",
-          "Shows the catalog and activation folder, the number of faces, whether the server\n"
-          "runs, the faces activated automatically and for which application, which\n"
-          "applications hear of changes, and recent show and buy requests.",
+          "Shows the library (its URL, password masked, and where it was chosen) and the\n"
+          "activation folder, the number of faces, whether the server runs, the faces\n"
+          "activated automatically and for which application, in a shared library how many\n"
+          "workstations use each face, which applications hear of changes, and recent show\n"
+          "and buy requests.",
           statusCommand}},
+        {"remove",
+         {"remove ID|POSTSCRIPT-NAME...",
+          "Removes faces from the library (a PostScript name removes every face of that\n"
+          "name), deactivating them here first. A PostgreSQL library also drops the stored\n"
+          "bytes that no face uses any more; the font files of an SQLite library stay.",
+          removeCommand}},
+        {"grant",
+         {"grant ROLE read|write",
+          "Gives an existing PostgreSQL role the rights it needs on the library: read lets it\n"
+          "list, request and activate fonts (and record its workstation's activations);\n"
+          "write also lets it add and remove faces and change sets. Run it as the library's\n"
+          "owner.",
+          grantCommand}},
         {"check",
          {"check [--repair]",
           "Checks the catalog's integrity and compares it with the activation folder: every\n"
@@ -560,21 +424,36 @@ const std::map<std::string, Command>& commands() {
 }
 
 void printUsage(std::ostream& out) {
-    out << "usage: vellumine COMMAND [ARGUMENTS]\n\ncommands:\n";
+    out << "usage: vellumine [--library URL] COMMAND [ARGUMENTS]\n\ncommands:\n";
     for (const auto& [name, command] : commands()) {
         out << "  " << command.usage << "\n";
     }
     out << "\n`vellumine COMMAND --help` describes a command, `vellumine --version` tells the\n"
-           "version. The library lives in $XDG_DATA_HOME/vellumine/library.db; active fonts\n"
-           "are linked into $XDG_DATA_HOME/fonts/vellumine/. VELLUMINE_LOG=1 logs to standard\n"
-           "error.\n";
+           "version. The library is a URL, sqlite:PATH or postgresql://…, taken from\n"
+           "$VELLUMINE_LIBRARY, else --library, else `library = URL` in\n"
+           "$XDG_CONFIG_HOME/vellumine/vellumine.conf, else sqlite:$XDG_DATA_HOME/vellumine/\n"
+           "library.db. Active fonts are linked into $XDG_DATA_HOME/fonts/vellumine/.\n"
+           "VELLUMINE_LOG=1 logs to standard error.\n";
 }
 
 } // namespace
 
-int runCli(const Arguments& arguments, std::ostream& out, std::ostream& errors,
+int runCli(const Arguments& given, std::ostream& out, std::ostream& errors,
            const GuiCommands& gui) {
     guiCommands = gui;
+    Arguments arguments = given;
+    setLibraryOption(std::nullopt);
+    if (!arguments.empty() && arguments[0].rfind("--library=", 0) == 0) {
+        setLibraryOption(arguments[0].substr(10));
+        arguments.erase(arguments.begin());
+    } else if (!arguments.empty() && arguments[0] == "--library") {
+        if (arguments.size() < 2) {
+            errors << "vellumine: --library needs a library URL (sqlite:PATH or postgresql://…)\n";
+            return usageError;
+        }
+        setLibraryOption(arguments[1]);
+        arguments.erase(arguments.begin(), arguments.begin() + 2);
+    }
     if (!arguments.empty() && arguments[0] == "--version") {
         out << "vellumine " << VELLUMINE_VERSION << "\n";
         return 0;

@@ -31,9 +31,15 @@ bool isOwnLink(Catalog& catalog, const std::filesystem::path& link) {
         return false;
     }
     const auto face = catalog.face(*id);
-    return face &&
-           ((target == face->file && name == Activation::linkName(*id, face->file)) ||
-            (target == face->metricsFile && name == Activation::linkName(*id, face->metricsFile)));
+    if (!face) {
+        // Removed from a shared library by another workstation: a link into this
+        // workstation's cache is still ours.
+        return target.parent_path() == FaceFiles::defaultCacheFolder();
+    }
+    FaceFiles files(catalog);
+    return (target == files.fontFile(*face) && name == Activation::linkName(*id, face->file)) ||
+           (target == files.metricsFile(*face) &&
+            name == Activation::linkName(*id, face->metricsFile));
 }
 
 void checkRecordedLinks(Catalog& catalog, bool repair, LibraryCheckReport& report) {
@@ -96,6 +102,18 @@ void check(Catalog& catalog, const std::filesystem::path& folder, bool repair,
 
 } // namespace
 
+LibraryCheckReport repairLinks(Catalog& catalog, const std::filesystem::path& activationFolder) {
+    LibraryCheckReport report;
+    if (catalog.isReadOnly()) {
+        return report;
+    }
+    catalog.write([&] {
+        report = {};
+        checkLinks(catalog, activationFolder, true, report);
+    });
+    return report;
+}
+
 LibraryCheckReport checkLibrary(Catalog& catalog, const std::filesystem::path& activationFolder,
                                 bool repair) {
     LibraryCheckReport report;
@@ -106,18 +124,6 @@ LibraryCheckReport checkLibrary(Catalog& catalog, const std::filesystem::path& a
     catalog.write([&] {
         report = {};
         check(catalog, activationFolder, repair, report);
-    });
-    return report;
-}
-
-LibraryCheckReport reconcileLinks(Catalog& catalog, const std::filesystem::path& activationFolder) {
-    LibraryCheckReport report;
-    if (catalog.isReadOnly()) {
-        return report;
-    }
-    catalog.write([&] {
-        report = {};
-        checkLinks(catalog, activationFolder, true, report);
     });
     return report;
 }

@@ -26,10 +26,11 @@ struct LibraryCheckReport {
 LibraryCheckReport checkLibrary(Catalog& catalog, const std::filesystem::path& activationFolder,
                                 bool repair);
 
-// The links alone, repaired: what a server starting after a killed command needs before it
-// answers. It leaves out the database's integrity check and the scan for faces of unknown
-// type, which read the whole catalog (a second for a library of 100,000 faces on a cold
-// cache) and change nothing a request relies on; `vellumine check` runs them.
-LibraryCheckReport reconcileLinks(Catalog& catalog, const std::filesystem::path& activationFolder);
+// The links alone, repaired, without the database's checks (the integrity check and the
+// scan for faces of unknown type read the whole catalog: a second for 100,000 faces on a
+// cold cache): what a server needs on start, after a killed command, and after another
+// workstation changed a shared library (its removed faces' links here are left over); cheap
+// enough to run on every change. `vellumine check` runs the rest.
+LibraryCheckReport repairLinks(Catalog& catalog, const std::filesystem::path& activationFolder);
 
 } // namespace Vellumine

@@ -98,8 +98,15 @@ void RequestDispatcher::rememberTarget(const Request& request) {
         return;
     }
     if (rememberedTargets.emplace(request.targetApp, eventClass).second) {
-        catalog.rememberTarget({request.targetApp, eventClass});
-        Logger::log(logTag, "will tell " + request.targetApp + " of library changes");
+        try {
+            catalog.rememberTarget({request.targetApp, eventClass});
+            Logger::log(logTag, "will tell " + request.targetApp + " of library changes");
+        } catch (const CatalogError& error) {
+            // The request still deserves its answer; the next one tries again.
+            rememberedTargets.erase({request.targetApp, eventClass});
+            Logger::log(logTag,
+                        std::string("cannot remember ") + request.targetApp + ": " + error.what());
+        }
     }
 }
 

@@ -7,9 +7,12 @@
 #include "fontmanager/LauncherEntry.h"
 #include "fontmanager/LibraryChanges.h"
 #include "fontmanager/LibraryCheck.h"
+#include "fontmanager/LibraryListener.h"
+#include "fontmanager/LibrarySelection.h"
 #include "fontmanager/OpenCatalog.h"
 #include "fontmanager/RequestDispatcher.h"
 #include "fontmanager/TemporaryActivation.h"
+#include "fontmanager/Workstation.h"
 #include "foundation/Logger.h"
 #include "platform/Status.h"
 #include "platform/linux/DBusAppEvents.h"
@@ -58,9 +61,14 @@ int answerRequest(const Platform::AppEvent& event, std::string& reply, void* ref
     return Platform::Status::ok;
 }
 
-int pollTimeout(const Platform::Linux::DBusAppEvents& events,
-                const TemporaryActivation& temporary) {
+int pollTimeout(const Platform::Linux::DBusAppEvents& events, const TemporaryActivation& temporary,
+                const LibraryListener& listener) {
     std::uint64_t millis = notificationPollMillis;
+    if (const auto retry = listener.nextAttempt()) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            *retry - LibraryListener::Clock::now());
+        millis = std::min<std::uint64_t>(millis, std::max<std::int64_t>(left.count(), 0));
+    }
     const std::uint64_t busTimeout = events.timeoutUsec();
     if (busTimeout != UINT64_MAX) {
         millis = std::min<std::uint64_t>(millis, busTimeout / 1000);
@@ -99,12 +107,49 @@ private:
 
 enum class LoopEnd { stopped, busLost, failed };
 
-LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forwarder,
-                TemporaryActivation& temporary) {
+void logRepairs(const LibraryCheckReport& report, LibraryChanges* changes);
+
+// What the loop works with besides the bus.
+struct LoopParts {
+    ChangeForwarder& forwarder;
+    TemporaryActivation& temporary;
+    LibraryListener& listener;
+    Catalog& catalog;
+    LibraryChanges& changes;
+    std::filesystem::path activationFolder;
+};
+
+// Another workstation changed the shared library: faces it removed may still be linked
+// here (their records went with them), and the applications here must hear of it. The
+// named notification also reaches this workstation's other vellumine processes (the window).
+void takeRemoteChange(LoopParts& parts) {
+    try {
+        logRepairs(repairLinks(parts.catalog, parts.activationFolder), &parts.changes);
+    } catch (const std::exception& error) {
+        Logger::log(logTag, std::string("after a change of the library: ") + error.what());
+    }
+    notify_post(libraryChangedNotification.c_str());
+}
+
+void forwardChanges(ChangeForwarder& forwarder) {
+    try {
+        forwarder.forwardNewChanges();
+    } catch (const std::exception& error) {
+        // The library is away: the journal is read again with the next change.
+        Logger::log(logTag, std::string("forwarding library changes: ") + error.what());
+    }
+}
+
+LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, LoopParts& parts) {
+    ChangeForwarder& forwarder = parts.forwarder;
+    TemporaryActivation& temporary = parts.temporary;
     ChangeWatch watch;
     while (!stopRequested) {
-        pollfd descriptor{events.fd(), static_cast<short>(events.events()), 0};
-        if (poll(&descriptor, 1, pollTimeout(events, temporary)) < 0 && errno != EINTR) {
+        pollfd descriptors[2] = {{events.fd(), static_cast<short>(events.events()), 0},
+                                 {parts.listener.socket(), POLLIN, 0}};
+        const nfds_t count = descriptors[1].fd >= 0 ? 2 : 1;
+        if (poll(descriptors, count, pollTimeout(events, temporary, parts.listener)) < 0 &&
+            errno != EINTR) {
             Logger::log(logTag, std::string("poll failed: ") + std::strerror(errno));
             return LoopEnd::failed;
         }
@@ -122,9 +167,13 @@ LoopEnd runLoop(Platform::Linux::DBusAppEvents& events, ChangeForwarder& forward
             Logger::log(logTag, std::string("deactivating fonts of applications that left: ") +
                                     error.what());
         }
+        if (parts.listener.takeChange(LibraryListener::Clock::now())) {
+            takeRemoteChange(parts);
+            forwardChanges(forwarder);
+        }
         // The server's own changes post the notification too: one road for all of them.
         if (watch.fired()) {
-            forwarder.forwardNewChanges();
+            forwardChanges(forwarder);
         }
     }
     Logger::log(logTag, "stopping");
@@ -168,14 +217,23 @@ std::unique_ptr<Platform::Linux::DBusAppEvents> reconnect(std::ostream& errors, 
     return nullptr;
 }
 
-void reconcile(Catalog& catalog, const LibraryPaths& paths) {
-    const LibraryCheckReport report = reconcileLinks(catalog, paths.activationFolder());
+// Logs what a check found and repaired; repaired links change the active fonts.
+void logRepairs(const LibraryCheckReport& report, LibraryChanges* changes) {
     for (const auto& problem : report.problems) {
-        Logger::log(logTag, "found on start: " + problem);
+        Logger::log(logTag, "found: " + problem);
     }
     for (const auto& repair : report.repairs) {
-        Logger::log(logTag, "repaired on start: " + repair);
+        Logger::log(logTag, "repaired: " + repair);
     }
+    if (changes != nullptr && !report.repairs.empty()) {
+        changes->announce(ChangeKind::activeFontsChanged);
+    }
+}
+
+// Repairs what a command killed half-way left behind (a link nothing records, or a record
+// without link), and links of faces another workstation removed from a shared library.
+void reconcile(Catalog& catalog, const std::filesystem::path& activationFolder) {
+    logRepairs(repairLinks(catalog, activationFolder), nullptr);
 }
 
 } // namespace
@@ -187,10 +245,17 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
     if (!events) {
         return exitStatus;
     }
-    const auto library = openCatalog(LibraryLocation::sqliteFile(paths.catalogFile()));
+    const LibraryLocation location = currentLibrary();
+    std::unique_ptr<Catalog> library;
+    try {
+        library = openCatalog(location);
+    } catch (const CatalogError& error) {
+        errors << "vellumine: " << error.what() << "\n";
+        return 1;
+    }
     Catalog& catalog = *library;
-    // A command killed half-way leaves a link nothing records, or a record without link.
-    reconcile(catalog, paths);
+    catalog.keepLastAnswers();
+    reconcile(catalog, paths.activationFolder());
     Activation activation(catalog, paths.activationFolder());
     LibraryChanges changes(catalog);
     changes.warnTo(errors);
@@ -206,15 +271,17 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
                                   return events->sendNoReply(signature, event);
                               });
     forwarder.skipPastChanges();
+    LibraryListener listener(location, workstationId());
+    LoopParts parts{forwarder, temporary, listener, catalog, changes, paths.activationFolder()};
     Logger::log(logTag, "serving " + serviceBusName + " with protocol version " +
-                            options.protocolVersion + ", catalog " + paths.catalogFile().string());
+                            options.protocolVersion + ", library " + location.shown());
     for (;;) {
         desktop = std::make_unique<BusDesktop>(*events, temporary, ownExecutable());
         dispatcher.setDesktop(desktop.get());
         // Applications that left while no server watched them.
         temporary.reviewRequesters(TemporaryActivation::Clock::now());
         events->installHandler(requestEventClass, "****", answerRequest, &dispatcher);
-        const LoopEnd end = runLoop(*events, forwarder, temporary);
+        const LoopEnd end = runLoop(*events, parts);
         if (end != LoopEnd::busLost) {
             return end == LoopEnd::stopped ? 0 : 1;
         }

@@ -600,4 +600,23 @@ void SqliteCatalog::clearRequesters(std::int64_t faceId) {
     db.prepare("DELETE FROM requesters WHERE face_id = ?").bind(1, faceId).run();
 }
 
+bool SqliteCatalog::removeFace(std::int64_t id) {
+    db.prepare("DELETE FROM faces WHERE id = ?").bind(1, id).run();
+    return db.changes() > 0;
+}
+
+std::vector<FaceUse> SqliteCatalog::faceUse() {
+    SqliteStatement& statement = db.prepare("SELECT face_id FROM links ORDER BY face_id");
+    std::vector<FaceUse> result;
+    while (statement.step()) {
+        result.push_back({statement.integer(0), 1});
+    }
+    return result;
+}
+
+void SqliteCatalog::grant(const std::string&, LibraryRight) {
+    throw SqliteError(db.description() + " is an SQLite file: its file permissions decide who " +
+                      "reads and changes it; roles belong to a PostgreSQL library");
+}
+
 } // namespace Vellumine

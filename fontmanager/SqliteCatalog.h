@@ -89,6 +89,14 @@ public:
     std::string storeUrl() override;
     void setStoreUrl(const std::string& urlTemplate) override;
 
+    bool removeFace(std::int64_t id) override;
+    // An SQLite library records paths only: nothing is stored.
+    std::optional<std::string> storedContent(const std::string&) override { return {}; }
+    // One workstation: every active face counts once.
+    std::vector<FaceUse> faceUse() override;
+    // The file's permissions decide who may read or change it.
+    void grant(const std::string& role, LibraryRight right) override;
+
 private:
     bool setting(const std::string& name);
     void setSetting(const std::string& name, bool on);

@@ -1,6 +1,7 @@
 #include "fontmanager/StoreUrl.h"
 
 #include "fontmanager/FaceDetails.h"
+#include "fontmanager/FaceFiles.h"
 
 #include <cctype>
 
@@ -34,7 +35,8 @@ std::string storeSearchUrl(const std::string& urlTemplate, const std::string& na
 std::string buyUrl(Catalog& catalog, const std::string& postScriptName) {
     std::string name = postScriptName;
     for (const auto& face : catalog.facesByPostScriptName(postScriptName)) {
-        const FaceDetails details = readFaceDetails(face.file, face.faceIndex);
+        const FaceDetails details =
+            readFaceDetails(FaceFiles(catalog).readable(face), face.faceIndex);
         if (isWebAddress(details.vendorUrl)) {
             return details.vendorUrl;
         }

@@ -15,9 +15,9 @@ constexpr std::size_t filesPerStep = 25;
 
 } // namespace
 
-ImportJob::ImportJob(std::filesystem::path catalogFile, std::vector<std::filesystem::path> paths,
+ImportJob::ImportJob(LibraryLocation library, std::vector<std::filesystem::path> paths,
                      QObject* parent)
-    : QThread(parent), catalogFile(std::move(catalogFile)), paths(std::move(paths)) {}
+    : QThread(parent), library(std::move(library)), paths(std::move(paths)) {}
 
 std::vector<std::filesystem::path>
 ImportJob::fontFiles(const std::vector<std::filesystem::path>& paths) {
@@ -45,7 +45,7 @@ ImportJob::fontFiles(const std::vector<std::filesystem::path>& paths) {
 void ImportJob::run() {
     try {
         const auto files = fontFiles(paths);
-        const auto catalog = openCatalog(LibraryLocation::sqliteFile(catalogFile));
+        const auto catalog = openCatalog(library);
         FaceReader reader;
         LibraryImporter importer(*catalog, reader);
         const int count = static_cast<int>(files.size());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fontmanager/LibraryImporter.h"
+#include "fontmanager/LibraryLocation.h"
 
 #include <QStringList>
 #include <QThread>
@@ -16,7 +17,7 @@ namespace Vellumine::Window {
 class ImportJob : public QThread {
     Q_OBJECT
 public:
-    ImportJob(std::filesystem::path catalogFile, std::vector<std::filesystem::path> paths,
+    ImportJob(LibraryLocation library, std::vector<std::filesystem::path> paths,
               QObject* parent = nullptr);
 
     // Once finished: what was added, known or skipped, and the messages of skipped files.
@@ -35,7 +36,7 @@ protected:
     void run() override;
 
 private:
-    std::filesystem::path catalogFile;
+    LibraryLocation library;
     std::vector<std::filesystem::path> paths;
     ImportReport total;
 };

@@ -1,5 +1,6 @@
 #include "fontmanager/window/MainWindow.h"
 
+#include "fontmanager/LibrarySelection.h"
 #include "fontmanager/window/ImportJob.h"
 
 #include <QAction>
@@ -219,7 +220,7 @@ void MainWindow::refreshPreview() {
         return;
     }
     const int width = std::max(200, preview->width() - 16);
-    const Preview drawn = WindowModel::preview(*entry, sample->text(), previewPixels, width);
+    const Preview drawn = model.preview(*entry, sample->text(), previewPixels, width);
     if (!drawn.ok()) {
         preview->setPixmap({});
         preview->setText(drawn.problem);
@@ -235,7 +236,7 @@ void MainWindow::showDetails(const FaceEntry* entry) {
     if (entry == nullptr) {
         return;
     }
-    for (const auto& [label, value] : WindowModel::detailRows(*entry)) {
+    for (const auto& [label, value] : model.detailRows(*entry)) {
         auto* field = new QLabel(value);
         field->setWordWrap(true);
         field->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -281,7 +282,7 @@ void MainWindow::addFonts(bool folders) {
     if (paths.empty()) {
         return;
     }
-    auto* job = new ImportJob(model.paths().catalogFile(), paths, this);
+    auto* job = new ImportJob(currentLibrary(), paths, this);
     auto* progress = new QProgressDialog(QStringLiteral("Adding fonts…"), {}, 0, 0, this);
     progress->setWindowModality(Qt::WindowModal);
     progress->setMinimumDuration(300);

@@ -1,6 +1,7 @@
 #include "fontmanager/window/WindowModel.h"
 
 #include "fontmanager/Duplicates.h"
+#include "fontmanager/LibrarySelection.h"
 #include "fontmanager/OpenCatalog.h"
 #include "foundation/Logger.h"
 #include "platform/linux/notify.h"
@@ -19,8 +20,7 @@ constexpr int changePollMillis = 300;
 } // namespace
 
 WindowModel::WindowModel(const LibraryPaths& paths, QObject* parent)
-    : QObject(parent), libraryPaths(paths),
-      catalogFile(openCatalogForReading(LibraryLocation::sqliteFile(paths.catalogFile()))),
+    : QObject(parent), libraryPaths(paths), catalogFile(openCatalogForReading(currentLibrary())),
       activation(*catalogFile, paths.activationFolder()), changes(*catalogFile),
       faceSets(*catalogFile, activation, changes) {
     libraryFilter.setSourceModel(&libraryModel);
@@ -104,7 +104,7 @@ void WindowModel::loadDuplicates(const std::vector<FaceRecord>& faces) {
         if (found != detailsCache.end()) {
             return found->second;
         }
-        return detailsCache[key] = readFaceDetails(face.file, face.faceIndex);
+        return detailsCache[key] = readFaceDetails(files.readable(face), face.faceIndex);
     };
     for (const auto& group : findDuplicates(faces, cachedDetails)) {
         QStringList differences;
@@ -225,7 +225,7 @@ void WindowModel::libraryFilesChanged() {
 
 std::vector<std::pair<QString, QString>> WindowModel::detailRows(const FaceEntry& entry) {
     const FaceRecord& face = entry.face;
-    const FaceDetails details = readFaceDetails(face.file, face.faceIndex);
+    const FaceDetails details = readFaceDetails(files.readable(face), face.faceIndex);
     std::vector<std::pair<QString, QString>> rows = {
         {"Family", text(face.family)},
         {"Style", text(face.style)},
@@ -259,7 +259,8 @@ std::vector<std::pair<QString, QString>> WindowModel::detailRows(const FaceEntry
 
 Preview WindowModel::preview(const FaceEntry& entry, const QString& sample, int pixelSize,
                              int width) {
-    return renderPreview(entry.face.file, entry.face.faceIndex, sample, pixelSize, width);
+    return renderPreview(files.readable(entry.face), entry.face.faceIndex, sample, pixelSize,
+                         width);
 }
 
 } // namespace Vellumine::Window

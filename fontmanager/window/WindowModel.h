@@ -65,8 +65,8 @@ public:
 
     // Label and value rows for the details pane: file, format, version, foundry, designer,
     // licence and URLs, as far as the font says them.
-    static std::vector<std::pair<QString, QString>> detailRows(const FaceEntry& entry);
-    static Preview preview(const FaceEntry& entry, const QString& text, int pixelSize, int width);
+    std::vector<std::pair<QString, QString>> detailRows(const FaceEntry& entry);
+    Preview preview(const FaceEntry& entry, const QString& text, int pixelSize, int width);
 
     // Call after a change made outside this model (an import): announces it and reloads.
     void libraryFilesChanged();
@@ -84,6 +84,8 @@ private:
     LibraryPaths libraryPaths;
     std::unique_ptr<Catalog> catalogFile;
     Activation activation;
+    // A shared library's files, read from this workstation's cache.
+    FaceFiles files{*catalogFile};
     LibraryChanges changes;
     FaceSets faceSets;
     SystemFontsCache systemFonts;

@@ -136,6 +136,54 @@ TEST_F(CommandLineTest, CheckSaysWhetherTheLibraryAndItsLinksAgree) {
 
 // A notification folder others may write is refused: the change is still made, and the
 // user hears once that applications will not hear of it.
+TEST_F(CommandLineTest, TheLibraryComesFromTheEnvironmentTheOptionOrTheConfigurationFile) {
+    const std::string fromOption = "sqlite:" + (scratch.path() / "option.db").string();
+    const std::string fromConfig = "sqlite:" + (scratch.path() / "config.db").string();
+    scratch.write("config/vellumine/vellumine.conf", "library = " + fromConfig + "\n");
+    ASSERT_EQ(run({"--library", fromOption, "add", dejaVuSans.string()}).status, 0);
+    EXPECT_NE(run({"--library=" + fromOption, "status"})
+                  .out.find("library: " + fromOption + " (--library)\n"),
+              std::string::npos);
+    // Without the option, the configuration file decides: an empty library.
+    const Run configured = run({"status"});
+    EXPECT_NE(configured.out.find("library: " + fromConfig + " ("), std::string::npos)
+        << configured.out;
+    EXPECT_NE(configured.out.find("faces: 0"), std::string::npos) << configured.out;
+    setenv("VELLUMINE_LIBRARY", fromOption.c_str(), 1);
+    const Run fromEnvironment = run({"--library", fromConfig, "list"});
+    unsetenv("VELLUMINE_LIBRARY");
+    EXPECT_NE(fromEnvironment.out.find("DejaVuSans"), std::string::npos);
+
+    for (const auto& [arguments, message] :
+         std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"--library"}, "--library needs a library URL"},
+             {{"--library", "mysql://db/fonts", "list"}, "is neither sqlite:PATH nor"},
+         }) {
+        const Run refused = run(arguments);
+        EXPECT_NE(refused.status, 0);
+        EXPECT_NE(refused.errors.find(message), std::string::npos) << refused.errors;
+    }
+}
+
+TEST_F(CommandLineTest, RemoveTakesFacesOutOfTheLibraryAndTheirLinksWithThem) {
+    run({"add", dejaVuSans.string(), nimbusRomanType1.string()});
+    ASSERT_EQ(run({"activate", "DejaVuSans"}).status, 0);
+    const auto link = LibraryPaths::fromEnvironment().activationFolder() / "1-DejaVuSans.ttf";
+    ASSERT_FALSE(absent(link));
+    const Run removed = run({"remove", "DejaVuSans", "2"});
+    EXPECT_EQ(removed.status, 0) << removed.errors;
+    EXPECT_TRUE(absent(link));
+    EXPECT_TRUE(std::filesystem::exists(dejaVuSans)); // the user's file stays
+    EXPECT_EQ(run({"list"}).out, "");
+    const Run again = run({"remove", "2"});
+    EXPECT_EQ(again.status, 1);
+    EXPECT_NE(again.errors.find("no face with container id 2"), std::string::npos);
+    const Run grant = run({"grant", "ben", "read"});
+    EXPECT_EQ(grant.status, 1);
+    EXPECT_NE(grant.errors.find("roles belong to a PostgreSQL library"), std::string::npos)
+        << grant.errors;
+}
+
 TEST_F(CommandLineTest, ARefusedNotificationFolderIsWarnedOfOnce) {
     const auto folder = scratch.path() / "runtime" / "notify";
     std::filesystem::create_directories(folder);

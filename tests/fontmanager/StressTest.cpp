@@ -4,8 +4,8 @@
 #include "FontFixtures.h"
 
 #include "fontmanager/Activation.h"
-#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/LibraryPaths.h"
+#include "fontmanager/SqliteCatalog.h"
 
 #include <gtest/gtest.h>
 

@@ -59,6 +59,10 @@ void usePrivateXdgFolders(const std::filesystem::path& root) {
     std::filesystem::permissions(root / "runtime", std::filesystem::perms::owner_all);
     setenv("XDG_DATA_HOME", (root / "data").c_str(), 1);
     setenv("XDG_RUNTIME_DIR", (root / "runtime").c_str(), 1);
+    // The library is the private world's own SQLite file unless a test says otherwise.
+    setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
+    setenv("XDG_CACHE_HOME", (root / "cache").c_str(), 1);
+    unsetenv("VELLUMINE_LIBRARY");
 }
 
 bool absent(const std::filesystem::path& path) {

@@ -127,7 +127,7 @@ TEST_F(WindowModelTest, PreviewsAreDrawnFromTheFileWithoutActivatingAndDamageIsS
     };
     for (const auto& entry : model->library().families()) {
         for (const auto& face : entry.faces) {
-            const Preview preview = WindowModel::preview(face, sample, 32, 400);
+            const Preview preview = model->preview(face, sample, 32, 400);
             ASSERT_TRUE(preview.ok()) << face.face.file << preview.problem.toStdString();
             EXPECT_GT(inkOf(preview.image), 200) << face.face.file;
         }
@@ -137,20 +137,19 @@ TEST_F(WindowModelTest, PreviewsAreDrawnFromTheFileWithoutActivatingAndDamageIsS
 
     FaceEntry damaged{model->catalog().face(id("TeXGyrePagella-Regular", 1)).value(), {}};
     std::filesystem::resize_file(copy, 600);
-    EXPECT_EQ(WindowModel::preview(damaged, sample, 32, 400).problem,
+    EXPECT_EQ(model->preview(damaged, sample, 32, 400).problem,
               "Cannot preview: texgyrepagella-regular.otf is not a readable font.");
     std::filesystem::remove(copy);
-    EXPECT_EQ(WindowModel::preview(damaged, sample, 32, 400).problem,
+    EXPECT_EQ(model->preview(damaged, sample, 32, 400).problem,
               "Cannot preview: texgyrepagella-regular.otf is gone.");
-    const auto rows = WindowModel::detailRows(damaged);
+    const auto rows = model->detailRows(damaged);
     EXPECT_EQ(rows.back().first, "Problem");
 }
 
 TEST_F(WindowModelTest, DetailsComeFromTheNameTableOrTheType1FontInfo) {
     const auto details = [&](std::int64_t face) {
         std::map<QString, QString> rows;
-        for (const auto& [label, value] :
-             WindowModel::detailRows({*model->catalog().face(face), {}})) {
+        for (const auto& [label, value] : model->detailRows({*model->catalog().face(face), {}})) {
             rows[label] = value;
         }
         return rows;
@@ -192,7 +191,8 @@ TEST_F(WindowModelTest, DuplicatesAreListedWithWhatTellsThemApart) {
 }
 
 TEST_F(WindowModelTest, AddingAFolderReportsProgressAndReloadsTheLibrary) {
-    ImportJob job(LibraryPaths::fromEnvironment().catalogFile(), {urwOpenTypeFolder});
+    ImportJob job(LibraryLocation::sqliteFile(LibraryPaths::fromEnvironment().catalogFile()),
+                  {urwOpenTypeFolder});
     std::vector<int> progress;
     QObject::connect(&job, &ImportJob::progress, [&](int done, int) { progress.push_back(done); });
     job.start();
