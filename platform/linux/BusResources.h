@@ -37,7 +37,9 @@ public:
     const char* message() const { return error_.message ? error_.message : ""; }
 
 private:
-    sd_bus_error error_ = SD_BUS_ERROR_NULL;
+    // All null, as SD_BUS_ERROR_NULL makes it; the macro is a C compound literal, which
+    // C++ accepts only as an extension (clang warns).
+    sd_bus_error error_{};
 };
 
 } // namespace Platform::Linux
