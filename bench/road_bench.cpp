@@ -12,18 +12,15 @@
 //   build-bench/bench/road_bench
 #include "IdmlBuilder.h"
 #include "PrivateSession.h"
+#include "QuietProcess.h"
 
-#include "fontmanager/SqliteCatalog.h"
 #include "fontmanager/FaceReader.h"
 #include "fontmanager/LibraryImporter.h"
 #include "fontmanager/LibraryPaths.h"
+#include "fontmanager/SqliteCatalog.h"
 #include "platform/linux/DBusAppEvents.h"
 
 #include <benchmark/benchmark.h>
-
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <chrono>
@@ -31,8 +28,6 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-
-extern char** environ;
 
 namespace {
 
@@ -45,25 +40,6 @@ struct World {
     std::unique_ptr<Platform::Linux::DBusAppEvents> bus;
 };
 World* world = nullptr;
-
-int run(const std::vector<std::string>& arguments) {
-    std::vector<char*> argv;
-    for (const auto& argument : arguments)
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t quiet;
-    posix_spawn_file_actions_init(&quiet);
-    posix_spawn_file_actions_addopen(&quiet, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&quiet, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = -1;
-    const int spawned = posix_spawn(&pid, argv[0], &quiet, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&quiet);
-    if (spawned != 0)
-        return -1;
-    int status = 0;
-    waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 std::string fontEntry(const Vellumine::FaceRecord& face) {
     return "font \"" + face.family + "\" \"" + face.style + "\" " + face.postScriptName +
@@ -135,10 +111,11 @@ void MainRoad(benchmark::State& state) {
     std::vector<double> roads;
     for (auto _ : state) {
         state.PauseTiming();
-        run({VELLUMINE_EXECUTABLE, "deactivate", "--auto"});
+        Bench::runQuietly({VELLUMINE_EXECUTABLE, "deactivate", "--auto"});
         state.ResumeTiming();
         const auto start = std::chrono::steady_clock::now();
-        const int status = run({GALLEY_EXECUTABLE, "--batch", world->document, "--timeout", "20"});
+        const int status =
+            Bench::runQuietly({GALLEY_EXECUTABLE, "--batch", world->document, "--timeout", "20"});
         const double seconds =
             std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         state.SetIterationTime(seconds);

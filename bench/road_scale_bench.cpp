@@ -27,16 +27,14 @@
 //   build-bench/bench/road_scale_bench
 #include "IdmlBuilder.h"
 #include "PrivateSession.h"
+#include "QuietProcess.h"
 
 #include "platform/linux/BusRunningApplications.h"
 #include "platform/linux/DBusAppEvents.h"
 
 #include <benchmark/benchmark.h>
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <chrono>
@@ -46,8 +44,6 @@
 #include <fstream>
 #include <map>
 #include <memory>
-
-extern char** environ;
 
 namespace {
 
@@ -64,29 +60,6 @@ double millisecondsSince(Clock::time_point start) {
 double medianOf(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return values.empty() ? 0 : values[values.size() / 2];
-}
-
-pid_t start(const std::vector<std::string>& arguments) {
-    std::vector<char*> argv;
-    for (const auto& argument : arguments)
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t quiet;
-    posix_spawn_file_actions_init(&quiet);
-    posix_spawn_file_actions_addopen(&quiet, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&quiet, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = -1;
-    const int spawned = posix_spawn(&pid, argv[0], &quiet, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&quiet);
-    return spawned == 0 ? pid : -1;
-}
-
-int run(const std::vector<std::string>& arguments) {
-    const pid_t pid = start(arguments);
-    int status = 0;
-    if (pid < 0 || waitpid(pid, &status, 0) != pid)
-        return -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 std::string program(const char* variable, const char* built) {
@@ -125,10 +98,11 @@ public:
             << "/fc-cache</cachedir></fontconfig>\n";
         setenv("FONTCONFIG_FILE", (root + "/fonts.conf").c_str(), 1);
         std::filesystem::create_directories(session_.dataHome() + "/fonts");
-        if (run({"/usr/bin/python3", GENERATE_FACES, std::to_string(faces), root + "/faces"}) !=
-                0 ||
-            run({vellumine(), "add", root + "/faces"}) != 0 ||
-            run({vellumine(), "install-launcher", "--data-home", session_.dataHome()}) != 0)
+        if (Bench::runQuietly({"/usr/bin/python3", GENERATE_FACES, std::to_string(faces),
+                               root + "/faces"}) != 0 ||
+            Bench::runQuietly({vellumine(), "add", root + "/faces"}) != 0 ||
+            Bench::runQuietly(
+                {vellumine(), "install-launcher", "--data-home", session_.dataHome()}) != 0)
             return;
         writeDocument(faces);
         int status = 0;
@@ -142,19 +116,19 @@ public:
     // vellumine stopped and every face it activated for an application gone: the road's start.
     void reset() {
         stopFontManager();
-        run({vellumine(), "deactivate", "--auto"});
+        Bench::runQuietly({vellumine(), "deactivate", "--auto"});
     }
 
     double floorMilliseconds() const {
         const auto begin = Clock::now();
-        run({galley(), "fonts", document_});
+        Bench::runQuietly({galley(), "fonts", document_});
         return millisecondsSince(begin);
     }
 
     // From exec until a request is answered; vellumine keeps running afterwards.
     double startMilliseconds() {
         const auto begin = Clock::now();
-        session_.killLater(start({vellumine(), "serve"}));
+        session_.killLater(Bench::startQuietly({vellumine(), "serve"}));
         std::string reply;
         while (bus_->send("VLMQ", {"VLMQ", "****", requestFor(0)}, reply) != 0 &&
                millisecondsSince(begin) < 10000)
@@ -172,7 +146,7 @@ public:
     // The road; negative when Galley did not end with every font installed.
     double roadMilliseconds() const {
         const auto begin = Clock::now();
-        const int status = run({galley(), "--batch", document_, "--timeout", "20"});
+        const int status = Bench::runQuietly({galley(), "--batch", document_, "--timeout", "20"});
         const double elapsed = millisecondsSince(begin);
         return status == 0 ? elapsed : -1;
     }

@@ -49,9 +49,10 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS OFF)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
     "${PROJECT_BINARY_DIR}/sdk" "${PROJECT_BINARY_DIR}/foundation" "${PROJECT_BINARY_DIR}/platform")
-# Not libraries, but what the programs use at run time: the session bus for vellumine and
-# the plug-in's conversation, fontconfig's configuration and the shared MIME database.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, fontconfig, shared-mime-info")
+# Not linked, but what the programs use at run time: the session bus for vellumine and the
+# plug-in's conversation, fontconfig's configuration, the shared MIME database, and libpq,
+# which vellumine loads only for a studio's PostgreSQL library.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, fontconfig, shared-mime-info, libpq5")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bash-completion")
 
 include(CPack)

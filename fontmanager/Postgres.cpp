@@ -1,6 +1,6 @@
 #include "fontmanager/Postgres.h"
 
-#include <libpq-fe.h>
+#include "fontmanager/Libpq.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -35,24 +35,24 @@ bool PostgresError::isTransient() const {
 }
 
 void PgResult::clear(pg_result* result) {
-    PQclear(result);
+    libpq().PQclear(result);
 }
 
 int PgResult::rows() const {
-    return PQntuples(handle.get());
+    return libpq().PQntuples(handle.get());
 }
 
 std::string PgResult::text(int row, int column) const {
-    return std::string(PQgetvalue(handle.get(), row, column),
-                       static_cast<std::size_t>(PQgetlength(handle.get(), row, column)));
+    return std::string(libpq().PQgetvalue(handle.get(), row, column),
+                       static_cast<std::size_t>(libpq().PQgetlength(handle.get(), row, column)));
 }
 
 std::int64_t PgResult::integer(int row, int column) const {
-    return std::strtoll(PQgetvalue(handle.get(), row, column), nullptr, 10);
+    return std::strtoll(libpq().PQgetvalue(handle.get(), row, column), nullptr, 10);
 }
 
 bool PgResult::isNull(int row, int column) const {
-    return PQgetisnull(handle.get(), row, column) != 0;
+    return libpq().PQgetisnull(handle.get(), row, column) != 0;
 }
 
 PgConnection::PgConnection(std::string conninfo, std::string shown)
@@ -61,11 +61,11 @@ PgConnection::PgConnection(std::string conninfo, std::string shown)
 }
 
 PgConnection::~PgConnection() {
-    PQfinish(connection);
+    libpq().PQfinish(connection);
 }
 
 void PgConnection::connect() {
-    PQfinish(connection);
+    libpq().PQfinish(connection);
     connection = nullptr;
     prepared.clear();
     if (remembering && std::chrono::steady_clock::now() < retryAfter) {
@@ -75,21 +75,21 @@ void PgConnection::connect() {
     // time-out the URL does not set itself.
     const char* const keywords[] = {"connect_timeout", "dbname", nullptr};
     const char* const values[] = {"10", conninfo.c_str(), nullptr};
-    connection = PQconnectdbParams(keywords, values, 1);
-    if (PQstatus(connection) != CONNECTION_OK) {
-        lastFailure = where + " is unreachable: " + firstLine(PQerrorMessage(connection));
-        PQfinish(connection);
+    connection = libpq().PQconnectdbParams(keywords, values, 1);
+    if (libpq().PQstatus(connection) != CONNECTION_OK) {
+        lastFailure = where + " is unreachable: " + firstLine(libpq().PQerrorMessage(connection));
+        libpq().PQfinish(connection);
         connection = nullptr;
         retryAfter = std::chrono::steady_clock::now() + reconnectPause;
         throw PostgresUnreachable(lastFailure, "08001");
     }
     // Notices (NOTICE: relation exists, skipping) are the database's business, not the user's.
-    PQsetNoticeProcessor(
+    libpq().PQsetNoticeProcessor(
         connection, [](void*, const char*) {}, nullptr);
 }
 
 bool PgConnection::isOpen() const {
-    return connection != nullptr && PQstatus(connection) == CONNECTION_OK;
+    return connection != nullptr && libpq().PQstatus(connection) == CONNECTION_OK;
 }
 
 void PgConnection::ensureOpen() {
@@ -99,18 +99,19 @@ void PgConnection::ensureOpen() {
 }
 
 int PgConnection::socket() const {
-    return isOpen() ? PQsocket(connection) : -1;
+    return isOpen() ? libpq().PQsocket(connection) : -1;
 }
 
 void PgConnection::fail(pg_result* result, const std::string& sql) {
-    const char* code = result != nullptr ? PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
+    const char* code =
+        result != nullptr ? libpq().PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
     const std::string state = code != nullptr ? code : "";
     const char* primary =
-        result != nullptr ? PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY) : nullptr;
+        result != nullptr ? libpq().PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY) : nullptr;
     const std::string message =
-        primary != nullptr ? std::string(primary) : firstLine(PQerrorMessage(connection));
-    PQclear(result);
-    if (PQstatus(connection) != CONNECTION_OK) {
+        primary != nullptr ? std::string(primary) : firstLine(libpq().PQerrorMessage(connection));
+    libpq().PQclear(result);
+    if (libpq().PQstatus(connection) != CONNECTION_OK) {
         throw PostgresUnreachable(where + " is unreachable: " + message, state);
     }
     if (state == insufficientPrivilege) {
@@ -123,17 +124,17 @@ void PgConnection::fail(pg_result* result, const std::string& sql) {
 }
 
 std::string PgConnection::currentUser() {
-    return PQuser(connection) != nullptr ? PQuser(connection) : "?";
+    return libpq().PQuser(connection) != nullptr ? libpq().PQuser(connection) : "?";
 }
 
 void PgConnection::execute(const std::string& sql) {
     ensureOpen();
-    PGresult* result = PQexec(connection, sql.c_str());
-    const auto status = PQresultStatus(result);
+    PGresult* result = libpq().PQexec(connection, sql.c_str());
+    const auto status = libpq().PQresultStatus(result);
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
         fail(result, sql);
     }
-    PQclear(result);
+    libpq().PQclear(result);
 }
 
 PgResult PgConnection::query(const std::string& sql, const std::vector<PgParam>& params) {
@@ -179,11 +180,12 @@ PgResult PgConnection::runOnServer(const std::string& sql, const std::vector<PgP
     auto name = prepared.find(sql);
     if (name == prepared.end()) {
         const std::string statement = "vlm" + std::to_string(prepared.size());
-        PGresult* result = PQprepare(connection, statement.c_str(), sql.c_str(), 0, nullptr);
-        if (PQresultStatus(result) != PGRES_COMMAND_OK) {
+        PGresult* result =
+            libpq().PQprepare(connection, statement.c_str(), sql.c_str(), 0, nullptr);
+        if (libpq().PQresultStatus(result) != PGRES_COMMAND_OK) {
             fail(result, sql);
         }
-        PQclear(result);
+        libpq().PQclear(result);
         name = prepared.emplace(sql, statement).first;
     }
     std::vector<const char*> values;
@@ -195,9 +197,9 @@ PgResult PgConnection::runOnServer(const std::string& sql, const std::vector<PgP
         formats.push_back(param.binary ? 1 : 0);
     }
     PGresult* result =
-        PQexecPrepared(connection, name->second.c_str(), static_cast<int>(params.size()),
-                       values.data(), lengths.data(), formats.data(), resultFormat);
-    const auto status = PQresultStatus(result);
+        libpq().PQexecPrepared(connection, name->second.c_str(), static_cast<int>(params.size()),
+                               values.data(), lengths.data(), formats.data(), resultFormat);
+    const auto status = libpq().PQresultStatus(result);
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
         fail(result, sql);
     }
@@ -209,25 +211,25 @@ std::vector<std::string> PgConnection::takeNotifications() {
     if (!isOpen()) {
         return payloads;
     }
-    if (PQconsumeInput(connection) == 0) {
+    if (libpq().PQconsumeInput(connection) == 0) {
         throw PostgresUnreachable(
-            where + " is unreachable: " + firstLine(PQerrorMessage(connection)), "08006");
+            where + " is unreachable: " + firstLine(libpq().PQerrorMessage(connection)), "08006");
     }
-    while (PGnotify* notice = PQnotifies(connection)) {
+    while (PGnotify* notice = libpq().PQnotifies(connection)) {
         payloads.emplace_back(notice->extra);
-        PQfreemem(notice);
+        libpq().PQfreemem(notice);
     }
     return payloads;
 }
 
 std::string PgConnection::quoteIdentifier(const std::string& name) {
     ensureOpen();
-    char* quoted = PQescapeIdentifier(connection, name.data(), name.size());
+    char* quoted = libpq().PQescapeIdentifier(connection, name.data(), name.size());
     if (quoted == nullptr) {
         throw PostgresError(where + ": cannot quote '" + name + "'", "");
     }
     std::string result = quoted;
-    PQfreemem(quoted);
+    libpq().PQfreemem(quoted);
     return result;
 }
 

@@ -6,7 +6,8 @@
 namespace Galley {
 
 // The actions of `galley --batch`, as words on the command line:
-//   select TEXT        add the tree row showing TEXT (or the only one starting with it) to the selection;
+//   select TEXT        add the tree row showing TEXT (or the only one starting with it) to the
+//   selection;
 //                      TEXT/N selects the N-th row under it (a candidate of that font)
 //   deselect           clear the tree's selection
 //   press BUTTON       press a button, by its name in the dialog description or its caption
