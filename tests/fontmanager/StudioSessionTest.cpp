@@ -16,7 +16,6 @@
 #include "platform/linux/DBusAppEvents.h"
 #include "platform/linux/DefaultServices.h"
 
-#include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -93,25 +92,6 @@ protected:
             within);
     }
 
-    // The faces fontconfig lists with this PostScript name, on the session's configuration.
-    int fontconfigFaces(const std::string& postScriptName) {
-        FcConfig* config = FcConfigCreate();
-        FcConfigParseAndLoad(config, reinterpret_cast<const FcChar8*>(fontconfig.file().c_str()),
-                             FcTrue);
-        FcConfigBuildFonts(config);
-        FcPattern* pattern = FcPatternCreate();
-        FcPatternAddString(pattern, FC_POSTSCRIPT_NAME,
-                           reinterpret_cast<const FcChar8*>(postScriptName.c_str()));
-        FcObjectSet* objects = FcObjectSetBuild(FC_FILE, nullptr);
-        FcFontSet* fonts = FcFontList(config, pattern, objects);
-        const int count = fonts != nullptr ? fonts->nfont : -1;
-        FcFontSetDestroy(fonts);
-        FcObjectSetDestroy(objects);
-        FcPatternDestroy(pattern);
-        FcConfigDestroy(config);
-        return count;
-    }
-
     std::unique_ptr<PrivatePostgres> ownCluster; // outlives the session's server
     VlmTest::PrivateSession session;
     PrivateFontconfig fontconfig{{session.dataHome() + "/fonts"}};
@@ -142,7 +122,7 @@ TEST_F(StudioSession, ThePluginsRequestActivatesAFontAddedElsewhereFromItsBytesA
     request.build();
     ASSERT_NE(request.send(), nullptr) << request.getResult();
     EXPECT_TRUE(request.fonts[0]->font.isActive);
-    EXPECT_EQ(fontconfigFaces("DejaVuSerif"), 1);
+    EXPECT_EQ(fontconfig.facesNamed("DejaVuSerif"), 1);
 }
 
 TEST_F(StudioSession, AFaceRemovedOnAnotherWorkstationIsDeactivatedHereToo) {

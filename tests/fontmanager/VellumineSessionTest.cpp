@@ -18,7 +18,6 @@
 #include "platform/linux/DBusAppEvents.h"
 #include "platform/linux/DefaultServices.h"
 
-#include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 #include <systemd/sd-bus.h>
 
@@ -117,25 +116,6 @@ protected:
         });
     }
 
-    // The faces fontconfig lists with this PostScript name, on the session's configuration.
-    int fontconfigFaces(const std::string& postScriptName) {
-        FcConfig* config = FcConfigCreate();
-        FcConfigParseAndLoad(config, reinterpret_cast<const FcChar8*>(fontconfig.file().c_str()),
-                             FcTrue);
-        FcConfigBuildFonts(config);
-        FcPattern* pattern = FcPatternCreate();
-        FcPatternAddString(pattern, FC_POSTSCRIPT_NAME,
-                           reinterpret_cast<const FcChar8*>(postScriptName.c_str()));
-        FcObjectSet* objects = FcObjectSetBuild(FC_FILE, nullptr);
-        FcFontSet* fonts = FcFontList(config, pattern, objects);
-        const int count = fonts != nullptr ? fonts->nfont : -1;
-        FcFontSetDestroy(fonts);
-        FcObjectSetDestroy(objects);
-        FcPatternDestroy(pattern);
-        FcConfigDestroy(config);
-        return count;
-    }
-
     int runToEnd(const std::vector<std::string>& argv) {
         const pid_t pid = session.spawn(argv);
         int status = -1;
@@ -158,7 +138,7 @@ protected:
 
     VlmTest::PrivateSession session;
     // Scans only the session's font folder, vellumine's own activation folder included, for
-    // vellumine (started from here) as for fontconfigFaces(): no system fonts.
+    // vellumine (started from here) as for PrivateFontconfig::facesNamed(): no system fonts.
     PrivateFontconfig fontconfig{{session.dataHome() + "/fonts"}};
     std::unique_ptr<Platform::Linux::DefaultServices> host;
     std::vector<std::string> hostEvents;
@@ -185,7 +165,7 @@ TEST_F(VellumineSession, LaunchedThroughItsDesktopEntryItAnswersAndASecondServer
 // The request names the host as a target for changes, from the plug-in or the command line.
 TEST_F(VellumineSession, ActivationMakesFontconfigListTheFaceAndTellsTheHost) {
     launch();
-    ASSERT_EQ(fontconfigFaces("NimbusRoman-Regular"), 0);
+    ASSERT_EQ(fontconfig.facesNamed("NimbusRoman-Regular"), 0);
     VLM::VLMFontRequestEvent request;
     request.fonts = {makeFont("1", "NimbusRoman-Regular", 2)};
     request.build();
@@ -195,7 +175,7 @@ TEST_F(VellumineSession, ActivationMakesFontconfigListTheFaceAndTellsTheHost) {
     activate.build();
     activate.send();
 
-    EXPECT_EQ(fontconfigFaces("NimbusRoman-Regular"), 1);
+    EXPECT_EQ(fontconfig.facesNamed("NimbusRoman-Regular"), 1);
     EXPECT_TRUE(waitForHostEvent("VLM4/FSBC"));
     request.send();
     EXPECT_TRUE(request.fonts[0]->font.isTypeMatchingActive);
@@ -217,12 +197,12 @@ TEST_F(VellumineSession, AFontRequestActivatesWhatNeedsNoChoiceAndTellsTheHost) 
     EXPECT_TRUE(request.fonts[0]->font.isTypeMatchingActive);
     EXPECT_FALSE(request.fonts[1]->font.isActive); // two candidates: the user chooses
     EXPECT_TRUE(request.showWindow);
-    EXPECT_EQ(fontconfigFaces("DejaVuSans"), 1);
-    EXPECT_EQ(fontconfigFaces("NimbusRoman-Regular"), 0);
+    EXPECT_EQ(fontconfig.facesNamed("DejaVuSans"), 1);
+    EXPECT_EQ(fontconfig.facesNamed("NimbusRoman-Regular"), 0);
     EXPECT_TRUE(waitForHostEvent("VLM4/FSBC"));
 
     EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "deactivate", "--auto"}), 0);
-    EXPECT_EQ(fontconfigFaces("DejaVuSans"), 0);
+    EXPECT_EQ(fontconfig.facesNamed("DejaVuSans"), 0);
 }
 
 // Hostile or oversized requests get a reply and the server serves on. Replies that would not
@@ -270,18 +250,18 @@ TEST_F(VellumineSession, FacesActivatedForAnApplicationGoAfterItLeavesTheBus) {
     launch();
     ASSERT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "activate", "1"}), 0); // NimbusRoman-Regular.t1
     ASSERT_NE(requestFrom("DejaVuSans").find("<isActive>true</isActive>"), std::string::npos);
-    ASSERT_EQ(fontconfigFaces("DejaVuSans"), 1);
+    ASSERT_EQ(fontconfig.facesNamed("DejaVuSans"), 1);
 
     host.reset(); // Galley quits
-    EXPECT_TRUE(VlmTest::waitFor([&] { return fontconfigFaces("DejaVuSans") == 0; }));
-    EXPECT_EQ(fontconfigFaces("NimbusRoman-Regular"), 1);
+    EXPECT_TRUE(VlmTest::waitFor([&] { return fontconfig.facesNamed("DejaVuSans") == 0; }));
+    EXPECT_EQ(fontconfig.facesNamed("NimbusRoman-Regular"), 1);
 
     hostReturns();
     requestFrom("DejaVuSans");
     EXPECT_EQ(runToEnd({VELLUMINE_EXECUTABLE, "config", "auto-deactivate", "off"}), 0);
     host.reset();
     std::this_thread::sleep_for(std::chrono::milliseconds(1500)); // five grace periods
-    EXPECT_EQ(fontconfigFaces("DejaVuSans"), 1);
+    EXPECT_EQ(fontconfig.facesNamed("DejaVuSans"), 1);
 }
 
 // A desktop notification server of the test's own: records what vellumine announces.

@@ -1,5 +1,7 @@
 #include "FontFixtures.h"
 
+#include <fontconfig/fontconfig.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -45,6 +47,23 @@ PrivateFontconfig::PrivateFontconfig(const std::vector<std::filesystem::path>& f
 
 PrivateFontconfig::~PrivateFontconfig() {
     hadPrevious ? setenv("FONTCONFIG_FILE", previous.c_str(), 1) : unsetenv("FONTCONFIG_FILE");
+}
+
+int PrivateFontconfig::facesNamed(const std::string& postScriptName) const {
+    FcConfig* config = FcConfigCreate();
+    FcConfigParseAndLoad(config, reinterpret_cast<const FcChar8*>(file().c_str()), FcTrue);
+    FcConfigBuildFonts(config);
+    FcPattern* pattern = FcPatternCreate();
+    FcPatternAddString(pattern, FC_POSTSCRIPT_NAME,
+                       reinterpret_cast<const FcChar8*>(postScriptName.c_str()));
+    FcObjectSet* objects = FcObjectSetBuild(FC_FILE, nullptr);
+    FcFontSet* fonts = FcFontList(config, pattern, objects);
+    const int count = fonts != nullptr ? fonts->nfont : -1;
+    FcFontSetDestroy(fonts);
+    FcObjectSetDestroy(objects);
+    FcPatternDestroy(pattern);
+    FcConfigDestroy(config);
+    return count;
 }
 
 std::string readFile(const std::filesystem::path& file) {

@@ -43,6 +43,9 @@ public:
     PrivateFontconfig& operator=(const PrivateFontconfig&) = delete;
 
     std::filesystem::path file() const { return scratch.path() / "fonts.conf"; }
+    // How many faces fontconfig lists with this PostScript name on this configuration,
+    // loaded afresh (what a newly started application would see); -1 when it cannot say.
+    int facesNamed(const std::string& postScriptName) const;
 
 private:
     ScratchFolder scratch;
