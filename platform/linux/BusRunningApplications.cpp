@@ -33,7 +33,7 @@ long ownerProcessID(sd_bus* bus, const std::string& name) {
 
 void BusRunningApplications::waitForPollInterval() {
     const auto next = lastAsked_ + pollInterval;
-    if (std::chrono::steady_clock::now() < next) {
+    if (!answerChanged_ && std::chrono::steady_clock::now() < next) {
         std::this_thread::sleep_until(next);
     }
     lastAsked_ = std::chrono::steady_clock::now();
@@ -52,6 +52,12 @@ int BusRunningApplications::list(std::vector<RunningApplication>& applications) 
             found.push_back({entry.signature, entry.busName, static_cast<pid_t>(pid)});
         }
     }
+    std::vector<std::string> answer;
+    for (const auto& application : found) {
+        answer.push_back(application.name);
+    }
+    answerChanged_ = answer != lastAnswer_;
+    lastAnswer_ = std::move(answer);
     applications = std::move(found);
     return Status::ok;
 }
