@@ -2,10 +2,14 @@
 
 #include "host/fonts/FontTypes.h"
 
+#include <dirent.h>
 #include <fontconfig/fontconfig.h>
 #include <sys/stat.h>
 
+#include <ctime>
+
 #include <memory>
+#include <set>
 #include <stdexcept>
 
 namespace Galley {
@@ -68,17 +72,48 @@ void addFolders(FcStrList* list, std::map<std::string, std::timespec>& out) {
     }
 }
 
+bool sameTime(const std::timespec& a, const std::timespec& b) {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+bool earlier(const std::timespec& a, const std::timespec& b) {
+    return a.tv_sec < b.tv_sec || (a.tv_sec == b.tv_sec && a.tv_nsec < b.tv_nsec);
+}
+
 bool sameTimes(const std::map<std::string, std::timespec>& a,
                const std::map<std::string, std::timespec>& b) {
     if (a.size() != b.size())
         return false;
     for (auto ia = a.begin(), ib = b.begin(); ia != a.end(); ++ia, ++ib) {
-        if (ia->first != ib->first || ia->second.tv_sec != ib->second.tv_sec ||
-            ia->second.tv_nsec != ib->second.tv_nsec)
+        if (ia->first != ib->first || !sameTime(ia->second, ib->second))
             return false;
     }
     return true;
 }
+
+// The clock file times are taken from: the kernel stamps them with its tick-coarse clock,
+// so a change made after a fine-grained "now" can still carry an earlier time.
+std::timespec coarseNow() {
+    std::timespec now{};
+    clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    return now;
+}
+
+std::optional<std::timespec> statusChanged(const std::string& path) {
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0)
+        return std::nullopt;
+    return info.st_ctim;
+}
+
+bool isFolder(const std::string& path) {
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+struct FolderClose {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
 
 } // namespace
 
@@ -90,14 +125,94 @@ FontconfigFontSystem::~FontconfigFontSystem() {
 }
 
 std::vector<InstalledFace> FontconfigFontSystem::load() {
+    if (!config_ || !addNewFiles())
+        loadAfresh();
+    return listFaces();
+}
+
+void FontconfigFontSystem::loadAfresh() {
+    const std::timespec start = coarseNow();
     FcConfig* fresh = FcInitLoadConfigAndFonts();
     if (!fresh)
         throw std::runtime_error("fontconfig: cannot load the font configuration");
     if (config_)
         FcConfigDestroy(config_);
     config_ = fresh;
-    folders_ = snapshotFolders();
+    loadedAt_ = start;
+    folders_.clear();
+    rememberTimes(snapshotFolders(), start);
+    files_.clear();
+    FcFontSet* set = FcConfigGetFonts(config_, FcSetSystem);
+    for (int i = 0; set && i < set->nfont; ++i)
+        files_.emplace(firstString(set->fonts[i], FC_FILE), std::nullopt);
+}
 
+// Hands fontconfig the files that appeared in the changed folders. False when a folder
+// changed in any other way, which the caller answers with a fresh configuration.
+bool FontconfigFontSystem::addNewFiles() {
+    const std::timespec start = coarseNow();
+    FolderTimes times = snapshotFolders();
+    if (times.size() != folders_.size())
+        return false;
+    std::vector<std::string> added;
+    for (const auto& [folder, time] : times) {
+        const auto before = folders_.find(folder);
+        if (before == folders_.end() || sameTime(before->second, std::timespec{}))
+            return false; // a folder fontconfig did not scan: it may hold further folders
+        if (sameTime(before->second, time) && !lookAgain_.count(folder))
+            continue;
+        if (!collectNewFiles(folder, added))
+            return false;
+    }
+    for (const auto& file : added) {
+        // Not a font (a fonts.dir, say): fontconfig says no, and it is not asked again.
+        FcConfigAppFontAddFile(config_, reinterpret_cast<const FcChar8*>(file.c_str()));
+        files_[file] = statusChanged(file);
+    }
+    rememberTimes(std::move(times), start);
+    return true;
+}
+
+// The entries of `folder` that fontconfig was not given yet; false when one it was given is
+// gone or was put in place since, or when a folder appeared.
+bool FontconfigFontSystem::collectNewFiles(const std::string& folder,
+                                           std::vector<std::string>& added) const {
+    std::unique_ptr<DIR, FolderClose> listing(opendir(folder.c_str()));
+    if (!listing)
+        return false;
+    const std::string prefix = folder + "/";
+    std::set<std::string> present;
+    while (const dirent* entry = readdir(listing.get())) {
+        const std::string name = entry->d_name;
+        if (name.empty() || name.front() == '.') // fontconfig passes over hidden entries too
+            continue;
+        const std::string path = prefix + name;
+        const auto changed = statusChanged(path);
+        if (!changed)
+            continue; // gone again: counted below if fontconfig had it
+        const auto known = files_.find(path);
+        if (known == files_.end()) {
+            if (isFolder(path))
+                return false;
+            added.push_back(path);
+            continue;
+        }
+        present.insert(path);
+        const bool replaced =
+            known->second ? !sameTime(*known->second, *changed) : !earlier(*changed, loadedAt_);
+        if (replaced)
+            return false;
+    }
+    for (auto known = files_.lower_bound(prefix);
+         known != files_.end() && known->first.compare(0, prefix.size(), prefix) == 0; ++known) {
+        const bool inThisFolder = known->first.find('/', prefix.size()) == std::string::npos;
+        if (inThisFolder && !present.count(known->first))
+            return false;
+    }
+    return true;
+}
+
+std::vector<InstalledFace> FontconfigFontSystem::listFaces() const {
     std::unique_ptr<FcPattern, PatternFree> all(FcPatternCreate());
     std::unique_ptr<FcObjectSet, ObjectSetFree> objects(
         FcObjectSetBuild(FC_POSTSCRIPT_NAME, FC_FAMILY, FC_STYLE, FC_FULLNAME, FC_FILE, FC_INDEX,
@@ -109,8 +224,22 @@ std::vector<InstalledFace> FontconfigFontSystem::load() {
     return faces;
 }
 
+// A folder whose time is not earlier than the start of the reading that took it in may
+// change again within the same tick without its time showing it: it is looked at once more.
+void FontconfigFontSystem::rememberTimes(FolderTimes times, const std::timespec& since) {
+    std::set<std::string> again;
+    for (const auto& [folder, time] : times) {
+        const auto before = folders_.find(folder);
+        const bool moved = before == folders_.end() || !sameTime(before->second, time);
+        if (moved && !earlier(time, since))
+            again.insert(folder);
+    }
+    folders_ = std::move(times);
+    lookAgain_ = std::move(again);
+}
+
 bool FontconfigFontSystem::changedSinceLoad() {
-    return !config_ || !sameTimes(folders_, snapshotFolders());
+    return !config_ || !lookAgain_.empty() || !sameTimes(folders_, snapshotFolders());
 }
 
 std::vector<std::string> FontconfigFontSystem::watchedFolders() const {

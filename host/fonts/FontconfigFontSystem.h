@@ -4,6 +4,8 @@
 
 #include <ctime>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,8 +18,12 @@ namespace Galley {
 //
 // fontconfig's own up-to-date check compares folder times in whole seconds, so a font
 // linked within a second of the last load would go unseen. This source remembers the
-// nanosecond modification time of every configured and scanned font folder instead, and
-// builds a fresh configuration when any of them changed, appeared or vanished.
+// nanosecond modification time of every configured and scanned font folder instead.
+//
+// When folders changed only by gaining files (a font manager activating fonts), the new
+// files are added to the loaded configuration: a few FreeType reads instead of reading the
+// whole configuration and every folder's cache again. Anything else (a file gone or put in
+// another's place, a folder appearing or vanishing) builds a fresh configuration.
 class FontconfigFontSystem : public FaceSource {
 public:
     FontconfigFontSystem();
@@ -32,10 +38,24 @@ public:
 
 private:
     using FolderTimes = std::map<std::string, std::timespec>;
+
     FolderTimes snapshotFolders() const;
+    void loadAfresh();
+    bool addNewFiles();
+    bool collectNewFiles(const std::string& folder, std::vector<std::string>& added) const;
+    std::vector<InstalledFace> listFaces() const;
+    void rememberTimes(FolderTimes times, const std::timespec& since);
 
     _FcConfig* config_ = nullptr;
     FolderTimes folders_;
+    // Folders changed while they were being read: their times are only as fine as the
+    // kernel's clock tick, so a later change in the same tick would not show. Looked at
+    // once more.
+    std::set<std::string> lookAgain_;
+    // Every file fontconfig has been given, by path, with its status-change time when it
+    // was taken in on its own (none for those of a fresh load, which predate it).
+    std::map<std::string, std::optional<std::timespec>> files_;
+    std::timespec loadedAt_{}; // when the fresh configuration began to be read
 };
 
 } // namespace Galley

@@ -2,6 +2,9 @@
 #include "HostTestSupport.h"
 #include "sdk/HostIdentifiers.h"
 
+#include <algorithm>
+#include <functional>
+
 using Strings = std::vector<std::string>;
 
 namespace {
@@ -60,6 +63,66 @@ TEST_F(Fontconfig, FontLinkedWithinTheSameSecondIsSeenAndAnnounced) {
     EXPECT_EQ(observer.changes,
               (decltype(observer.changes){{kFontSystemChangedMessage, IID_IFONTMGR}}));
     fonts().GetSubject()->DetachObserver(&observer, IID_IFONTMGR);
+}
+
+// Every way a font folder changes after the load, one after the other in one session: what
+// fontconfig then lists must be what a fresh configuration would list, whether the change
+// was taken in file by file (files added) or by reading everything again.
+TEST_F(Fontconfig, EveryChangeOfAFontFolderIsTakenIn) {
+    namespace fs = std::filesystem;
+    const std::string folder = faces.fontFolder();
+    const auto linkAs = [&](const std::string& target, const std::string& name) {
+        fs::create_symlink(target, folder + "/" + name);
+    };
+    const auto replaceLink = [&](const std::string& target, const std::string& name) {
+        linkAs(target, name + ".new");
+        fs::rename(folder + "/" + name + ".new", folder + "/" + name);
+    };
+    struct Step {
+        const char* what;
+        std::function<void()> change;
+        Strings listed; // PostScript names, sorted
+    };
+    const std::vector<Step> steps = {
+        {"a face linked", [&] { linkAs(kDejaVu + "DejaVuSans.ttf", "a.ttf"); }, {"DejaVuSans"}},
+        {"two more, one not a font",
+         [&] {
+             linkAs(kOpenType + "C059-Bold.otf", "b.otf");
+             linkAs(kType1 + "NimbusSans-Regular.t1", "c.t1");
+             std::ofstream(folder + "/notes.txt") << "not a font\n";
+         },
+         {"C059-Bold", "DejaVuSans", "NimbusSans-Regular"}},
+        {"a hidden file",
+         [&] { linkAs(kDejaVu + "DejaVuSerif.ttf", ".hidden.ttf"); },
+         {"C059-Bold", "DejaVuSans", "NimbusSans-Regular"}},
+        {"a link put in the place of one taken in file by file",
+         [&] { replaceLink(kDejaVu + "DejaVuSerif.ttf", "b.otf"); },
+         {"DejaVuSans", "DejaVuSerif", "NimbusSans-Regular"}},
+        {"a face removed",
+         [&] { fs::remove(folder + "/a.ttf"); },
+         {"DejaVuSerif", "NimbusSans-Regular"}},
+        {"a link put in the place of one of a fresh load",
+         [&] { replaceLink(kOpenType + "C059-Bold.otf", "c.t1"); },
+         {"C059-Bold", "DejaVuSerif"}},
+        {"a folder with a face in it",
+         [&] {
+             fs::create_directory(folder + "/more");
+             linkAs(kDejaVu + "DejaVuSans.ttf", "more/d.ttf");
+         },
+         {"C059-Bold", "DejaVuSans", "DejaVuSerif"}},
+        {"a face added beside, after the folder",
+         [&] { linkAs(kDejaVu + "DejaVuSansMono.ttf", "e.ttf"); },
+         {"C059-Bold", "DejaVuSans", "DejaVuSansMono", "DejaVuSerif"}},
+    };
+    for (const auto& step : steps) {
+        step.change();
+        fonts().UpdateFontList();
+        Strings listed;
+        for (const auto* font : fonts().installedFonts())
+            listed.push_back(font->face().postscriptName);
+        std::sort(listed.begin(), listed.end());
+        EXPECT_EQ(listed, step.listed) << step.what;
+    }
 }
 
 } // namespace

@@ -74,6 +74,8 @@ public:
         std::filesystem::create_symlink(
             file, dir_.file("fonts/" + std::filesystem::path(file).filename().string()));
     }
+    // The world's font folder, where `link` puts its links.
+    std::string fontFolder() const { return dir_.file("fonts"); }
 
 private:
     TempDir dir_;
