@@ -26,6 +26,12 @@ RequestDispatcher::RequestDispatcher(Catalog& catalog, Activation& activation,
                                      LibraryChanges& changes, DispatcherOptions options)
     : catalog(catalog), activation(activation), changes(changes), options(std::move(options)) {}
 
+void RequestDispatcher::preloadSystemFonts() {
+    if (catalog.systemFonts()) {
+        systemFonts.preload(activation.linkFolder());
+    }
+}
+
 bool RequestDispatcher::isSignature(const std::string& text) {
     return text.size() == 4 &&
            std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < 0x7F; });

@@ -31,6 +31,9 @@ public:
                       DispatcherOptions options = {});
 
     std::string answer(const std::string& requestText);
+    // Loads the system's fonts in the background when the library counts them, so that the
+    // first font request does not wait for fontconfig.
+    void preloadSystemFonts();
     void setDesktop(Desktop* desktop) { options.desktop = desktop; }
 
     static bool isSignature(const std::string& text);

@@ -266,6 +266,7 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
         options.deactivationDelay);
     RequestDispatcher dispatcher(catalog, activation, changes,
                                  {options.protocolVersion, {}, {}, nullptr});
+    dispatcher.preloadSystemFonts();
     ChangeForwarder forwarder(catalog,
                               [&](const std::string& signature, const Platform::AppEvent& event) {
                                   return events->sendNoReply(signature, event);

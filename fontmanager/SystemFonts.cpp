@@ -138,9 +138,11 @@ std::int64_t modifiedNanoseconds(const std::filesystem::path& path) {
     return std::int64_t(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
 }
 
+// On the clock file times come from: the kernel stamps them with its tick-coarse clock, so a
+// change made just after a fine-grained "now" could carry an earlier time and go unseen.
 std::int64_t nowNanoseconds() {
     timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
+    clock_gettime(CLOCK_REALTIME_COARSE, &now);
     return std::int64_t(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
 }
 
@@ -213,32 +215,57 @@ std::vector<const SystemFace*> SystemFonts::byFamily(const std::string& family) 
     return found(faces, families, AsciiCase::lowered(family));
 }
 
+SystemFontsCache::~SystemFontsCache() {
+    if (preloading.valid()) {
+        preloading.wait();
+    }
+}
+
+void SystemFontsCache::preload(const std::filesystem::path& ownFolder) {
+    if (!loaded && !preloading.valid()) {
+        preloading = std::async(std::launch::async, &SystemFontsCache::load, ownFolder);
+    }
+}
+
+SystemFontsCache::Snapshot SystemFontsCache::load(const std::filesystem::path& ownFolder) {
+    Snapshot snapshot;
+    const std::int64_t loadStart = nowNanoseconds();
+    std::vector<std::filesystem::path> watched;
+    snapshot.fonts = SystemFonts::fromFontconfig(ownFolder, &watched);
+    snapshot.configFile = environmentValue("FONTCONFIG_FILE");
+    snapshot.folder = ownFolder;
+    for (auto& path : watched) {
+        const std::int64_t modified = modifiedNanoseconds(path);
+        // Changed while fontconfig was reading: maybe before, maybe after it looked.
+        snapshot.reloadNext = snapshot.reloadNext || modified >= loadStart;
+        snapshot.stamps.push_back({std::move(path), modified});
+    }
+    return snapshot;
+}
+
 bool SystemFontsCache::changed(const std::filesystem::path& ownFolder) const {
-    return !fonts || reloadNext || configFile != environmentValue("FONTCONFIG_FILE") ||
-           folder != ownFolder || std::any_of(stamps.begin(), stamps.end(), [](const Stamp& stamp) {
+    return !loaded || loaded->reloadNext ||
+           loaded->configFile != environmentValue("FONTCONFIG_FILE") ||
+           loaded->folder != ownFolder ||
+           std::any_of(loaded->stamps.begin(), loaded->stamps.end(), [](const Stamp& stamp) {
                return modifiedNanoseconds(stamp.path) != stamp.modified;
            });
 }
 
 const SystemFonts& SystemFontsCache::current(const std::filesystem::path& ownFolder) {
+    if (preloading.valid()) {
+        try {
+            loaded = preloading.get();
+        } catch (const std::runtime_error&) {
+            // Loaded again below, where the failure reaches the request that needs the list.
+        }
+    }
     if (!changed(ownFolder)) {
-        return *fonts;
+        return loaded->fonts;
     }
-    fonts.reset();
-    const std::int64_t loadStart = nowNanoseconds();
-    std::vector<std::filesystem::path> watched;
-    fonts = SystemFonts::fromFontconfig(ownFolder, &watched);
-    configFile = environmentValue("FONTCONFIG_FILE");
-    folder = ownFolder;
-    stamps.clear();
-    reloadNext = false;
-    for (auto& path : watched) {
-        const std::int64_t modified = modifiedNanoseconds(path);
-        // Changed while fontconfig was reading: maybe before, maybe after it looked.
-        reloadNext = reloadNext || modified >= loadStart;
-        stamps.push_back({std::move(path), modified});
-    }
-    return *fonts;
+    loaded.reset();
+    loaded = load(ownFolder);
+    return loaded->fonts;
 }
 
 } // namespace Vellumine

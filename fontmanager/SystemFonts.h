@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <future>
 #include <map>
 #include <optional>
 #include <string>
@@ -53,6 +54,16 @@ private:
 // misses for a font added in the second of the last load), or the folder left out.
 class SystemFontsCache {
 public:
+    SystemFontsCache() = default;
+    SystemFontsCache(const SystemFontsCache&) = delete;
+    SystemFontsCache& operator=(const SystemFontsCache&) = delete;
+    ~SystemFontsCache(); // waits for a load still running in the background
+
+    // Starts loading the list on a thread of its own, so that the request that first needs
+    // it (the one an application sends right after starting the server) finds it ready
+    // instead of paying for fontconfig's load. `current` takes the result in.
+    void preload(const std::filesystem::path& ownFolder);
+
     const SystemFonts& current(const std::filesystem::path& ownFolder);
 
 private:
@@ -60,13 +71,18 @@ private:
         std::filesystem::path path;
         std::int64_t modified; // nanoseconds since the epoch; -1 when it cannot be read
     };
+    struct Snapshot {
+        SystemFonts fonts;
+        std::string configFile;
+        std::filesystem::path folder;
+        std::vector<Stamp> stamps;
+        bool reloadNext = false; // something changed while the list was being loaded
+    };
+    static Snapshot load(const std::filesystem::path& ownFolder);
     bool changed(const std::filesystem::path& ownFolder) const;
 
-    std::optional<SystemFonts> fonts;
-    std::string configFile;
-    std::filesystem::path folder;
-    std::vector<Stamp> stamps;
-    bool reloadNext = false; // something changed while the list was being loaded
+    std::optional<Snapshot> loaded;
+    std::future<Snapshot> preloading;
 };
 
 } // namespace Vellumine

@@ -182,6 +182,9 @@ TEST_F(RequestHandlingTest, FontsTheSystemHasCountAsActiveWithoutContainer) {
     // The activation folder is scanned too, as at home, but its faces are vellumine's own.
     const PrivateFontconfig system(
         {dejaVuFolder, urwType1Folder, installed, scratch.path() / "fonts"});
+    // Loaded in the background from the start, as the server does; the first request takes
+    // the result in, later ones look again only when something changed.
+    dispatcher.preloadSystemFonts();
     const auto bold = catalog.facesByPostScriptName("NimbusRoman-Bold").at(0).id;
     ASSERT_TRUE(activation.activate(bold).succeeded());
     struct Case {
