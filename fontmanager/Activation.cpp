@@ -120,20 +120,48 @@ bool Activation::stillHolds(const FaceRecord& face, std::string& problem) {
 }
 
 ActivationResult Activation::activate(std::int64_t faceId, const ActivationOrigin& origin) {
-    const auto face = catalog.face(faceId);
-    if (!face) {
-        return {Outcome::failed, "no face with container id " + std::to_string(faceId)};
+    return activateAll({faceId}, origin).front();
+}
+
+std::vector<ActivationResult>
+Activation::activateAll(const std::vector<std::int64_t>& faceIds, const ActivationOrigin& origin,
+                        const std::function<void(std::int64_t)>& recordAlso) {
+    std::vector<ActivationResult> results(faceIds.size());
+    std::vector<bool> ready(faceIds.size(), false);
+    // The files are fetched and read before the write transaction, so that a slow or
+    // strange file never holds the catalog's lock.
+    for (std::size_t i = 0; i < faceIds.size(); ++i) {
+        const auto face = catalog.face(faceIds[i]);
+        if (!face) {
+            results[i] = {Outcome::failed,
+                          "no face with container id " + std::to_string(faceIds[i])};
+            continue;
+        }
+        std::string problem;
+        // An active face may be linked anew (its link was removed): from a verified copy too.
+        if (face->active ? !files.fetch(*face, problem) : !stillHolds(*face, problem)) {
+            results[i] = {Outcome::failed, faceName(*face) + ": " + problem};
+            continue;
+        }
+        ready[i] = true;
     }
-    // The file is fetched and read before the write transaction, so that a slow or strange
-    // file never holds the catalog's lock.
-    std::string problem;
-    // An active face may be linked anew (its link was removed): from a verified copy too.
-    if (face->active ? !files.fetch(*face, problem) : !stillHolds(*face, problem)) {
-        return {Outcome::failed, faceName(*face) + ": " + problem};
+    if (std::find(ready.begin(), ready.end(), true) == ready.end()) {
+        return results;
     }
-    ActivationResult result;
-    catalog.write([&] { result = link(faceId, origin); });
-    return result;
+    // One transaction for all: a request for fifty missing fonts commits once, not fifty
+    // times.
+    catalog.write([&] {
+        for (std::size_t i = 0; i < faceIds.size(); ++i) {
+            if (!ready[i]) {
+                continue;
+            }
+            results[i] = link(faceIds[i], origin);
+            if (results[i].outcome == Outcome::changed && recordAlso) {
+                recordAlso(faceIds[i]);
+            }
+        }
+    });
+    return results;
 }
 
 ActivationResult Activation::link(std::int64_t faceId, const ActivationOrigin& origin) {

@@ -5,7 +5,9 @@
 #include "fontmanager/FaceReader.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace Vellumine {
 
@@ -48,6 +50,12 @@ public:
 
     // Activating an active face changes nothing (but its origin, see ActivationOrigin).
     ActivationResult activate(std::int64_t faceId, const ActivationOrigin& origin = {});
+    // Activates the faces in one write transaction (their files fetched and read before
+    // it), a result per face in order. `recordAlso` runs in that transaction for each face
+    // that was activated, for what the caller records with it.
+    std::vector<ActivationResult>
+    activateAll(const std::vector<std::int64_t>& faceIds, const ActivationOrigin& origin,
+                const std::function<void(std::int64_t)>& recordAlso = {});
     ActivationResult deactivate(std::int64_t faceId);
     // Removes the face from the library, and its link here once the removal is committed
     // (a refused removal leaves the face active).

@@ -79,14 +79,14 @@ AutomaticActivation activateAutomatically(Catalog& catalog, Activation& activati
         ids.resize(maximumAutomaticActivations);
     }
     AutomaticActivation outcome;
-    for (const auto id : ids) {
-        // An application's wish, not the user's: a face the user activated stays theirs.
-        const ActivationResult result = activation.activate(id, {application, false});
-        Logger::log("vellumine-auto", result.message + " for " + application);
-        if (result.outcome == ActivationResult::Outcome::changed) {
-            // Who asked for this face in an earlier activation no longer counts.
-            catalog.write([&] { catalog.clearRequesters(id); });
-            if (const auto face = catalog.face(id)) {
+    // An application's wish, not the user's: a face the user activated stays theirs. Who
+    // asked for a face in an earlier activation no longer counts once it is activated anew.
+    const auto results = activation.activateAll(
+        ids, {application, false}, [&](std::int64_t id) { catalog.clearRequesters(id); });
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        Logger::log("vellumine-auto", results[i].message + " for " + application);
+        if (results[i].outcome == ActivationResult::Outcome::changed) {
+            if (const auto face = catalog.face(ids[i])) {
                 outcome.activated.push_back(face->postScriptName);
             }
             outcome.requesterRecorded = true;
