@@ -65,7 +65,7 @@ void refreshLoop(benchmark::State& state, bool withWatch) {
     Galley::SdEventLoop loop;
     Silent view;
     Galley::Runtime::Options options;
-    options.watchFontFolders = withWatch;
+    options.fontFolders = withWatch ? Galley::FolderWatching::inotify : Galley::FolderWatching::off;
     Galley::Runtime runtime(loop, session, view, options);
     IFontMgr* manager = session.GetFontMgr();
     manager->UpdateFontList();

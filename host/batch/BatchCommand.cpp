@@ -120,6 +120,9 @@ int runBatchCommand(const std::vector<std::string>& arguments, const std::string
     HostProcess process(view);
     SdEventLoop events;
     Runtime::Options runtimeOptions;
+    // A batch run lives for milliseconds to seconds: an inotify watch would cost more at
+    // exit, where the kernel retires it, than polling the folders' times costs meanwhile.
+    runtimeOptions.fontFolders = FolderWatching::polling;
     runtimeOptions.deadline =
         std::chrono::steady_clock::now() + std::chrono::seconds(options->timeoutSeconds);
     auto started = process.startRuntime(events, view, runtimeOptions, executable);

@@ -1,5 +1,6 @@
 #include "host/fonts/FontconfigFontSystem.h"
 
+#include "foundation/FileTimes.h"
 #include "host/fonts/FontTypes.h"
 
 #include <dirent.h>
@@ -72,31 +73,15 @@ void addFolders(FcStrList* list, std::map<std::string, std::timespec>& out) {
     }
 }
 
-bool sameTime(const std::timespec& a, const std::timespec& b) {
-    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
-bool earlier(const std::timespec& a, const std::timespec& b) {
-    return a.tv_sec < b.tv_sec || (a.tv_sec == b.tv_sec && a.tv_nsec < b.tv_nsec);
-}
-
 bool sameTimes(const std::map<std::string, std::timespec>& a,
                const std::map<std::string, std::timespec>& b) {
     if (a.size() != b.size())
         return false;
     for (auto ia = a.begin(), ib = b.begin(); ia != a.end(); ++ia, ++ib) {
-        if (ia->first != ib->first || !sameTime(ia->second, ib->second))
+        if (ia->first != ib->first || !FileTimes::same(ia->second, ib->second))
             return false;
     }
     return true;
-}
-
-// The clock file times are taken from: the kernel stamps them with its tick-coarse clock,
-// so a change made after a fine-grained "now" can still carry an earlier time.
-std::timespec coarseNow() {
-    std::timespec now{};
-    clock_gettime(CLOCK_REALTIME_COARSE, &now);
-    return now;
 }
 
 std::optional<std::timespec> statusChanged(const std::string& path) {
@@ -131,7 +116,7 @@ std::vector<InstalledFace> FontconfigFontSystem::load() {
 }
 
 void FontconfigFontSystem::loadAfresh() {
-    const std::timespec start = coarseNow();
+    const std::timespec start = FileTimes::coarseNow();
     FcConfig* fresh = FcInitLoadConfigAndFonts();
     if (!fresh)
         throw std::runtime_error("fontconfig: cannot load the font configuration");
@@ -150,16 +135,16 @@ void FontconfigFontSystem::loadAfresh() {
 // Hands fontconfig the files that appeared in the changed folders. False when a folder
 // changed in any other way, which the caller answers with a fresh configuration.
 bool FontconfigFontSystem::addNewFiles() {
-    const std::timespec start = coarseNow();
+    const std::timespec start = FileTimes::coarseNow();
     FolderTimes times = snapshotFolders();
     if (times.size() != folders_.size())
         return false;
     std::vector<std::string> added;
     for (const auto& [folder, time] : times) {
         const auto before = folders_.find(folder);
-        if (before == folders_.end() || sameTime(before->second, std::timespec{}))
+        if (before == folders_.end() || FileTimes::same(before->second, std::timespec{}))
             return false; // a folder fontconfig did not scan: it may hold further folders
-        if (sameTime(before->second, time) && !lookAgain_.count(folder))
+        if (FileTimes::same(before->second, time) && !lookAgain_.count(folder))
             continue;
         if (!collectNewFiles(folder, added))
             return false;
@@ -198,8 +183,8 @@ bool FontconfigFontSystem::collectNewFiles(const std::string& folder,
             continue;
         }
         present.insert(path);
-        const bool replaced =
-            known->second ? !sameTime(*known->second, *changed) : !earlier(*changed, loadedAt_);
+        const bool replaced = known->second ? !FileTimes::same(*known->second, *changed)
+                                            : !FileTimes::earlier(*changed, loadedAt_);
         if (replaced)
             return false;
     }
@@ -230,8 +215,8 @@ void FontconfigFontSystem::rememberTimes(FolderTimes times, const std::timespec&
     std::set<std::string> again;
     for (const auto& [folder, time] : times) {
         const auto before = folders_.find(folder);
-        const bool moved = before == folders_.end() || !sameTime(before->second, time);
-        if (moved && !earlier(time, since))
+        const bool moved = before == folders_.end() || !FileTimes::same(before->second, time);
+        if (moved && !FileTimes::earlier(time, since))
             again.insert(folder);
     }
     folders_ = std::move(times);

@@ -1,23 +1,35 @@
 #include "host/loop/FontFolderWatch.h"
 
-#include <poll.h>
-#include <sys/inotify.h>
-#include <unistd.h>
+#include "host/loop/InotifyFolderWatch.h"
+#include "host/loop/PollingFolderWatch.h"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <set>
-#include <stdexcept>
 
 namespace Galley {
 
 namespace {
 
-constexpr std::uint32_t folderEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO |
-                                       IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
+// Often enough that a font's arrival is seen within a couple of milliseconds, rarely enough
+// that looking at a hundred folders costs a few per cent of a core while batch mode runs.
+constexpr int pollingPeriodMilliseconds = 2;
 
-// The folder itself when it exists, else its nearest existing parent.
+} // namespace
+
+std::unique_ptr<FontFolderWatch> FontFolderWatch::create(FolderWatching how, EventLoop& loop,
+                                                         std::function<void()> onChange) {
+    switch (how) {
+    case FolderWatching::inotify:
+        return std::make_unique<InotifyFolderWatch>(loop, std::move(onChange));
+    case FolderWatching::polling:
+        return std::make_unique<PollingFolderWatch>(loop, std::move(onChange),
+                                                    pollingPeriodMilliseconds);
+    case FolderWatching::off:
+        break;
+    }
+    return nullptr;
+}
+
 std::string existingFolderFor(const std::string& folder) {
     std::filesystem::path path(folder);
     std::error_code ignored;
@@ -29,64 +41,14 @@ std::string existingFolderFor(const std::string& folder) {
     return path.string();
 }
 
-} // namespace
-
-FontFolderWatch::FontFolderWatch(EventLoop& loop, std::function<void()> onChange)
-    : loop_(loop), onChange_(std::move(onChange)) {
-    fd_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (fd_ < 0)
-        throw std::runtime_error(std::string("cannot watch the font folders: ") +
-                                 std::strerror(errno));
-    source_ = loop_.watchFd(fd_, POLLIN, [this] { drain(); });
-}
-
-FontFolderWatch::~FontFolderWatch() {
-    loop_.remove(source_);
-    close(fd_);
-}
-
-void FontFolderWatch::watch(const std::vector<std::string>& folders) {
+std::vector<std::string> foldersToWatch(const std::vector<std::string>& folders) {
     std::set<std::string> wanted;
     for (const auto& folder : folders) {
         const std::string existing = existingFolderFor(folder);
         if (!existing.empty())
             wanted.insert(existing);
     }
-    for (auto it = watches_.begin(); it != watches_.end();) {
-        if (wanted.count(it->first)) {
-            ++it;
-            continue;
-        }
-        inotify_rm_watch(fd_, it->second);
-        it = watches_.erase(it);
-    }
-    for (const auto& folder : wanted) {
-        if (watches_.count(folder))
-            continue;
-        const int wd = inotify_add_watch(fd_, folder.c_str(), folderEvents | IN_ONLYDIR);
-        if (wd >= 0)
-            watches_[folder] = wd;
-    }
-}
-
-bool FontFolderWatch::waitForChange(int milliseconds) const {
-    pollfd pending{fd_, POLLIN, 0};
-    return poll(&pending, 1, milliseconds) > 0;
-}
-
-void FontFolderWatch::drain() {
-    // Every event means the same thing (look again), so they are only counted; an overflow
-    // means events were lost, which is one more reason to look again.
-    alignas(inotify_event) char buffer[16 * 1024];
-    bool any = false;
-    for (;;) {
-        const ssize_t got = read(fd_, buffer, sizeof buffer);
-        if (got <= 0)
-            break;
-        any = true;
-    }
-    if (any)
-        onChange_();
+    return {wanted.begin(), wanted.end()};
 }
 
 } // namespace Galley

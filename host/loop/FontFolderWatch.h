@@ -3,41 +3,43 @@
 #include "host/loop/EventLoop.h"
 
 #include <functional>
-#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace Galley {
 
-// Watches the font folders with inotify from the event loop. Any change in a watched
-// folder (a font linked, removed, a folder created) calls `onChange` once per wait, after
-// all pending events were drained. A folder that does not exist yet is watched through its
-// nearest existing parent, so that its creation is seen too. On queue overflow every
-// folder counts as changed.
+// How Galley learns that its font folders changed.
+enum class FolderWatching {
+    off,     // only when the font list is updated (tests that drive changes themselves)
+    inotify, // told by the kernel the moment it happens (the window)
+    polling, // the folders' times, looked at every few milliseconds (batch mode)
+};
+
+// Watches the font folders from the event loop. Any change in a watched folder (a font
+// linked, removed, a folder created) calls `onChange` once per turn of the loop. A folder
+// that does not exist yet is watched through its nearest existing parent, so that its
+// creation is seen too.
 class FontFolderWatch {
 public:
-    // Throws std::runtime_error when inotify cannot be set up.
-    FontFolderWatch(EventLoop& loop, std::function<void()> onChange);
-    ~FontFolderWatch();
-    FontFolderWatch(const FontFolderWatch&) = delete;
-    FontFolderWatch& operator=(const FontFolderWatch&) = delete;
+    virtual ~FontFolderWatch() = default;
+
+    // Null for FolderWatching::off. Throws std::runtime_error when the watch cannot be set up.
+    static std::unique_ptr<FontFolderWatch> create(FolderWatching how, EventLoop& loop,
+                                                   std::function<void()> onChange);
 
     // Watches exactly these folders (and the parents of missing ones) from now on.
-    void watch(const std::vector<std::string>& folders);
-    std::size_t watchCount() const { return watches_.size(); }
+    virtual void watch(const std::vector<std::string>& folders) = 0;
 
     // Waits up to `milliseconds` for a change without consuming it; true when one is
     // pending. For font-list updates that poll: they sleep here instead of spinning.
-    bool waitForChange(int milliseconds) const;
-
-private:
-    void drain();
-
-    EventLoop& loop_;
-    std::function<void()> onChange_;
-    int fd_ = -1;
-    EventLoop::SourceId source_ = 0;
-    std::map<std::string, int> watches_; // folder -> watch descriptor
+    virtual bool waitForChange(int milliseconds) const = 0;
 };
+
+// The folder itself when it exists, else its nearest existing parent; empty when none.
+std::string existingFolderFor(const std::string& folder);
+
+// The folders to watch for `folders`: each, or its nearest existing parent; sorted, once.
+std::vector<std::string> foldersToWatch(const std::vector<std::string>& folders);
 
 } // namespace Galley

@@ -37,20 +37,20 @@ constexpr int changeWaitMilliseconds = 16;
 
 DocumentHub::DocumentHub(EventLoop& events, MainLoop& loop, GalleySession& session,
                          Presenter& presenter, PluginCalls& calls, Responders responders,
-                         bool watchFontFolders)
+                         FolderWatching fontFolders)
     : events_(events), loop_(loop), session_(session), presenter_(presenter), calls_(calls),
       responders_(std::move(responders)) {
-    if (watchFontFolders)
-        this->watchFontFolders();
+    if (fontFolders != FolderWatching::off)
+        watchFontFolders(fontFolders);
 }
 
 DocumentHub::~DocumentHub() {
     session_.fonts().setChangeWait(nullptr);
 }
 
-void DocumentHub::watchFontFolders() {
+void DocumentHub::watchFontFolders(FolderWatching how) {
     try {
-        fontWatch_ = std::make_unique<FontFolderWatch>(events_, [this] {
+        fontWatch_ = FontFolderWatch::create(how, events_, [this] {
             // Coalesced: one reload however many events a burst of links brought.
             if (!fontChangePending_) {
                 fontChangePending_ = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/document/FontReplacer.h"
+#include "host/loop/FontFolderWatch.h"
 #include "sdk/HostHooks.h"
 #include "sdk/IDialog.h"
 #include "sdk/ISession.h"
@@ -15,7 +16,6 @@ class ISignalMgr;
 namespace Galley {
 
 class EventLoop;
-class FontFolderWatch;
 class GalleySession;
 class IdmlDocument;
 class MainLoop;
@@ -30,7 +30,7 @@ public:
     // Hands a document signal to the plug-ins' responders.
     using Responders = std::function<void(ServiceID service, ISignalMgr& signal)>;
     DocumentHub(EventLoop& events, MainLoop& loop, GalleySession& session, Presenter& presenter,
-                PluginCalls& calls, Responders responders, bool watchFontFolders);
+                PluginCalls& calls, Responders responders, FolderWatching fontFolders);
     ~DocumentHub() override;
     DocumentHub(const DocumentHub&) = delete;
     DocumentHub& operator=(const DocumentHub&) = delete;
@@ -62,7 +62,7 @@ public:
     void UpdateViews(bool immediately) override;
 
 private:
-    void watchFontFolders();
+    void watchFontFolders(FolderWatching how);
     void waitForFontChange();
     void refreshFontWatch();
 

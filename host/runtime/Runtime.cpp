@@ -16,7 +16,7 @@ Runtime::Runtime(EventLoop& loop, GalleySession& session, Presenter& presenter, 
       documents_(
           loop, loop_, session, presenter, calls_,
           [this](ServiceID service, ISignalMgr& signal) { plugins_.respond(service, signal); },
-          options.watchFontFolders) {
+          options.fontFolders) {
     SetHostHooks(this);
     session_.attachRuntime(this, &documents_, &documents_,
                            [this](PMIID iid) { return plugins_.sessionObserver(iid); });

@@ -34,8 +34,8 @@ public:
         std::optional<std::chrono::steady_clock::time_point> deadline;
         // The session bus to dispatch (null: no bus, as when none can be reached).
         Platform::Linux::DBusAppEvents* bus = nullptr;
-        // Watch the font folders (off in tests that drive font changes themselves).
-        bool watchFontFolders = true;
+        // How the font folders are watched (off in tests that drive font changes themselves).
+        FolderWatching fontFolders = FolderWatching::inotify;
     };
 
     Runtime(EventLoop& loop, GalleySession& session, Presenter& presenter, Options options);

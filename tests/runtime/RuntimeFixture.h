@@ -48,7 +48,7 @@ class RuntimeFixtureOn : public ::testing::Test {
 protected:
     explicit RuntimeFixtureOn(Galley::Runtime::Options options = {}) { start(options); }
     void start(Galley::Runtime::Options options) {
-        options.watchFontFolders = false;
+        options.fontFolders = Galley::FolderWatching::off;
         runtime.reset();
         runtime = std::make_unique<Galley::Runtime>(loop, session, presenter, options);
     }

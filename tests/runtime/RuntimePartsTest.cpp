@@ -106,7 +106,7 @@ TEST_F(RuntimeParts, DocumentHubShowsThenSignalsAndKeepsTheDocumentWhenAnOpenFai
             signals.emplace_back(service, document->GetName().GetUTF8String());
             presenter.lines.push_back("signalled");
         },
-        false);
+        Galley::FolderWatching::off);
     Galley::IdmlDocument& document = hub.open(SAMPLE_DOCUMENT);
     EXPECT_EQ(hub.GetFrontDocument(), &document);
     EXPECT_EQ(signals, (std::vector<std::pair<ServiceID, std::string>>{

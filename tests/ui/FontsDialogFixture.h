@@ -74,7 +74,7 @@ protected:
                 0, "<cmd>reply</cmd>\n<protocolVersion>2.0</protocolVersion>\n</cmd>\n"};
         });
         Galley::Runtime::Options options;
-        options.watchFontFolders = false;
+        options.fontFolders = Galley::FolderWatching::off;
         options.deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         runtime = std::make_unique<Galley::Runtime>(loop, session, presenter, options);
         runtime->plugins().load({UI_TEST_PLUGIN});
