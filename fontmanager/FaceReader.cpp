@@ -115,29 +115,38 @@ FontFileReading FaceReader::read(const std::filesystem::path& file) const {
         return reading;
     }
     for (FT_Long index = 0; index < faceCount; ++index) {
-        FT_Face face = nullptr;
-        error = FT_New_Face(library->handle, file.c_str(), index, &face);
-        const std::string where = "face " + std::to_string(index) + ": ";
-        if (error != 0) {
-            reading.problems.push_back(where + freeTypeError(error));
-            continue;
-        }
-        FaceDescription description;
-        description.faceIndex = index;
-        description.postScriptName = textOrEmpty(FT_Get_Postscript_Name(face));
-        description.family = textOrEmpty(face->family_name);
-        description.style = textOrEmpty(face->style_name);
-        const bool supported = classify(face, file, description.type);
-        FT_Done_Face(face);
-        if (!supported) {
-            reading.problems.push_back(where + "not a Type 1, TrueType or OpenType outline font");
-        } else if (description.postScriptName.empty()) {
-            reading.problems.push_back(where + "has no PostScript name");
+        std::string problem;
+        if (auto description = readFace(file, index, problem)) {
+            reading.faces.push_back(std::move(*description));
         } else {
-            reading.faces.push_back(std::move(description));
+            reading.problems.push_back("face " + std::to_string(index) + ": " + problem);
         }
     }
     return reading;
+}
+
+std::optional<FaceDescription> FaceReader::readFace(const std::filesystem::path& file, long index,
+                                                    std::string& problem) const {
+    FT_Face face = nullptr;
+    if (const FT_Error error = FT_New_Face(library->handle, file.c_str(), index, &face)) {
+        problem = freeTypeError(error);
+        return std::nullopt;
+    }
+    FaceDescription description;
+    description.faceIndex = index;
+    description.postScriptName = textOrEmpty(FT_Get_Postscript_Name(face));
+    description.family = textOrEmpty(face->family_name);
+    description.style = textOrEmpty(face->style_name);
+    const bool supported = classify(face, file, description.type);
+    FT_Done_Face(face);
+    if (!supported) {
+        problem = "not a Type 1, TrueType or OpenType outline font";
+    } else if (description.postScriptName.empty()) {
+        problem = "has no PostScript name";
+    } else {
+        return description;
+    }
+    return std::nullopt;
 }
 
 } // namespace Vellumine

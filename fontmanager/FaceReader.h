@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,10 @@ public:
     FaceReader& operator=(const FaceReader&) = delete;
 
     FontFileReading read(const std::filesystem::path& file) const;
+    // One face of a file already known to be a regular file; nothing, with the reason in
+    // `problem`, when it cannot be read or used.
+    std::optional<FaceDescription> readFace(const std::filesystem::path& file, long index,
+                                            std::string& problem) const;
 
 private:
     struct Library;
