@@ -8,7 +8,6 @@
 #include <sys/stat.h>
 
 #include <ctime>
-
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -116,6 +115,7 @@ std::vector<InstalledFace> FontconfigFontSystem::load() {
 }
 
 void FontconfigFontSystem::loadAfresh() {
+    ++freshLoads_;
     const std::timespec start = FileTimes::coarseNow();
     FcConfig* fresh = FcInitLoadConfigAndFonts();
     if (!fresh)
@@ -142,10 +142,12 @@ bool FontconfigFontSystem::addNewFiles() {
     std::vector<std::string> added;
     for (const auto& [folder, time] : times) {
         const auto before = folders_.find(folder);
-        if (before == folders_.end() || FileTimes::same(before->second, std::timespec{}))
-            return false; // a folder fontconfig did not scan: it may hold further folders
+        if (before == folders_.end())
+            return false;
         if (FileTimes::same(before->second, time) && !lookAgain_.count(folder))
             continue;
+        if (FileTimes::same(before->second, std::timespec{}))
+            return false; // a configured folder appeared: it may hold further folders
         if (!collectNewFiles(folder, added))
             return false;
     }
@@ -177,8 +179,11 @@ bool FontconfigFontSystem::collectNewFiles(const std::string& folder,
             continue; // gone again: counted below if fontconfig had it
         const auto known = files_.find(path);
         if (known == files_.end()) {
-            if (isFolder(path))
+            if (isFolder(path)) {
+                if (folders_.count(path))
+                    continue; // scanned already, and looked at on its own
                 return false;
+            }
             added.push_back(path);
             continue;
         }

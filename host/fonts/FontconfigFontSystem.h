@@ -35,6 +35,8 @@ public:
     bool changedSinceLoad() override;
     // Every configured and scanned font folder as of the last load.
     std::vector<std::string> watchedFolders() const override;
+    // How many times the whole configuration was read, rather than added files taken in.
+    int freshLoads() const { return freshLoads_; }
 
 private:
     using FolderTimes = std::map<std::string, std::timespec>;
@@ -56,6 +58,7 @@ private:
     // was taken in on its own (none for those of a fresh load, which predate it).
     std::map<std::string, std::optional<std::timespec>> files_;
     std::timespec loadedAt_{}; // when the fresh configuration began to be read
+    int freshLoads_ = 0;
 };
 
 } // namespace Galley

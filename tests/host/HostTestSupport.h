@@ -64,9 +64,11 @@ class PrivateFontconfig {
 public:
     PrivateFontconfig() {
         std::filesystem::create_directories(dir_.file("fonts"));
+        // A configured folder that does not exist, as ~/.fonts on most machines.
         std::ofstream(dir_.file("fonts.conf"))
-            << "<?xml version=\"1.0\"?>\n<fontconfig><dir>" << dir_.file("fonts")
-            << "</dir><cachedir>" << dir_.file("cache") << "</cachedir></fontconfig>\n";
+            << "<?xml version=\"1.0\"?>\n<fontconfig><dir>" << dir_.file("fonts") << "</dir><dir>"
+            << dir_.file("absent") << "</dir><cachedir>" << dir_.file("cache")
+            << "</cachedir></fontconfig>\n";
         ::setenv("FONTCONFIG_FILE", dir_.file("fonts.conf").c_str(), 1);
     }
     ~PrivateFontconfig() { ::unsetenv("FONTCONFIG_FILE"); }
