@@ -1,6 +1,6 @@
 #include "host/fonts/FontconfigFontSystem.h"
 
-#include "foundation/FileTimes.h"
+#include "host/fonts/FolderTimes.h"
 #include "host/fonts/FontTypes.h"
 
 #include <dirent.h>
@@ -61,26 +61,10 @@ InstalledFace faceFrom(FcPattern* pattern) {
     return face;
 }
 
-void addFolders(FcStrList* list, std::map<std::string, std::timespec>& out) {
+void addFolders(FcStrList* list, std::vector<std::string>& out) {
     std::unique_ptr<FcStrList, StrListFree> owner(list);
-    while (FcChar8* folder = FcStrListNext(list)) {
-        std::string path(reinterpret_cast<const char*>(folder));
-        struct stat info {};
-        // A folder that does not exist yet is remembered as time zero, so that its
-        // creation counts as a change.
-        out[path] = ::stat(path.c_str(), &info) == 0 ? info.st_mtim : std::timespec{};
-    }
-}
-
-bool sameTimes(const std::map<std::string, std::timespec>& a,
-               const std::map<std::string, std::timespec>& b) {
-    if (a.size() != b.size())
-        return false;
-    for (auto ia = a.begin(), ib = b.begin(); ia != a.end(); ++ia, ++ib) {
-        if (ia->first != ib->first || !FileTimes::same(ia->second, ib->second))
-            return false;
-    }
-    return true;
+    while (FcChar8* folder = FcStrListNext(list))
+        out.emplace_back(reinterpret_cast<const char*>(folder));
 }
 
 std::optional<std::timespec> statusChanged(const std::string& path) {
@@ -124,8 +108,8 @@ void FontconfigFontSystem::loadAfresh() {
         FcConfigDestroy(config_);
     config_ = fresh;
     loadedAt_ = start;
-    folders_.clear();
-    rememberTimes(snapshotFolders(), start);
+    folders_ = FolderTimes();
+    folders_.takeIn(snapshotFolders(), start);
     files_.clear();
     FcFontSet* set = FcConfigGetFonts(config_, FcSetSystem);
     for (int i = 0; set && i < set->nfont; ++i)
@@ -136,16 +120,14 @@ void FontconfigFontSystem::loadAfresh() {
 // changed in any other way, which the caller answers with a fresh configuration.
 bool FontconfigFontSystem::addNewFiles() {
     const std::timespec start = FileTimes::coarseNow();
-    FolderTimes times = snapshotFolders();
-    if (times.size() != folders_.size())
+    FolderTimes::Times now = snapshotFolders();
+    if (now.size() != folders_.times().size())
         return false;
     std::vector<std::string> added;
-    for (const auto& [folder, time] : times) {
-        const auto before = folders_.find(folder);
-        if (before == folders_.end())
+    for (const auto& folder : folders_.changedIn(now)) {
+        const auto before = folders_.times().find(folder);
+        if (before == folders_.times().end())
             return false;
-        if (FileTimes::same(before->second, time) && !lookAgain_.count(folder))
-            continue;
         if (FileTimes::same(before->second, std::timespec{}))
             return false; // a configured folder appeared: it may hold further folders
         if (!collectNewFiles(folder, added))
@@ -156,7 +138,7 @@ bool FontconfigFontSystem::addNewFiles() {
         FcConfigAppFontAddFile(config_, reinterpret_cast<const FcChar8*>(file.c_str()));
         files_[file] = statusChanged(file);
     }
-    rememberTimes(std::move(times), start);
+    folders_.takeIn(std::move(now), start);
     return true;
 }
 
@@ -180,7 +162,7 @@ bool FontconfigFontSystem::collectNewFiles(const std::string& folder,
         const auto known = files_.find(path);
         if (known == files_.end()) {
             if (isFolder(path)) {
-                if (folders_.count(path))
+                if (folders_.times().count(path))
                     continue; // scanned already, and looked at on its own
                 return false;
             }
@@ -214,36 +196,22 @@ std::vector<InstalledFace> FontconfigFontSystem::listFaces() const {
     return faces;
 }
 
-// A folder whose time is not earlier than the start of the reading that took it in may
-// change again within the same tick without its time showing it: it is looked at once more.
-void FontconfigFontSystem::rememberTimes(FolderTimes times, const std::timespec& since) {
-    std::set<std::string> again;
-    for (const auto& [folder, time] : times) {
-        const auto before = folders_.find(folder);
-        const bool moved = before == folders_.end() || !FileTimes::same(before->second, time);
-        if (moved && !FileTimes::earlier(time, since))
-            again.insert(folder);
-    }
-    folders_ = std::move(times);
-    lookAgain_ = std::move(again);
-}
-
 bool FontconfigFontSystem::changedSinceLoad() {
-    return !config_ || !lookAgain_.empty() || !sameTimes(folders_, snapshotFolders());
+    return !config_ || folders_.differ(snapshotFolders());
 }
 
 std::vector<std::string> FontconfigFontSystem::watchedFolders() const {
     std::vector<std::string> folders;
-    for (const auto& [folder, time] : folders_)
+    for (const auto& [folder, time] : folders_.times())
         folders.push_back(folder);
     return folders;
 }
 
-FontconfigFontSystem::FolderTimes FontconfigFontSystem::snapshotFolders() const {
-    FolderTimes times;
-    addFolders(FcConfigGetConfigDirs(config_), times);
-    addFolders(FcConfigGetFontDirs(config_), times);
-    return times;
+FolderTimes::Times FontconfigFontSystem::snapshotFolders() const {
+    std::vector<std::string> folders;
+    addFolders(FcConfigGetConfigDirs(config_), folders);
+    addFolders(FcConfigGetFontDirs(config_), folders);
+    return FolderTimes::look(folders);
 }
 
 } // namespace Galley

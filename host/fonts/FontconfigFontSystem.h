@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/fonts/FolderTimes.h"
 #include "host/fonts/InstalledFace.h"
 
 #include <ctime>
@@ -39,21 +40,14 @@ public:
     int freshLoads() const { return freshLoads_; }
 
 private:
-    using FolderTimes = std::map<std::string, std::timespec>;
-
-    FolderTimes snapshotFolders() const;
+    FolderTimes::Times snapshotFolders() const;
     void loadAfresh();
     bool addNewFiles();
     bool collectNewFiles(const std::string& folder, std::vector<std::string>& added) const;
     std::vector<InstalledFace> listFaces() const;
-    void rememberTimes(FolderTimes times, const std::timespec& since);
 
     _FcConfig* config_ = nullptr;
-    FolderTimes folders_;
-    // Folders changed while they were being read: their times are only as fine as the
-    // kernel's clock tick, so a later change in the same tick would not show. Looked at
-    // once more.
-    std::set<std::string> lookAgain_;
+    FolderTimes folders_; // every configured and scanned font folder
     // Every file fontconfig has been given, by path, with its status-change time when it
     // was taken in on its own (none for those of a fresh load, which predate it).
     std::map<std::string, std::optional<std::timespec>> files_;

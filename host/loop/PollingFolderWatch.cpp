@@ -1,9 +1,5 @@
 #include "host/loop/PollingFolderWatch.h"
 
-#include "foundation/FileTimes.h"
-
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -21,49 +17,19 @@ PollingFolderWatch::~PollingFolderWatch() {
 }
 
 void PollingFolderWatch::watch(const std::vector<std::string>& folders) {
-    seen_.clear();
-    for (const auto& folder : foldersToWatch(folders))
-        seen_[folder] = {};
-    takeIn();
+    watched_ = foldersToWatch(folders);
+    times_ = FolderTimes();
+    times_.takeIn(FolderTimes::look(watched_), FileTimes::coarseNow());
     loop_.armTimer(timer_, periodMilliseconds_ * 1000ULL);
-}
-
-PollingFolderWatch::Times PollingFolderWatch::look() const {
-    Times times;
-    for (const auto& [folder, before] : seen_) {
-        struct stat info {};
-        times[folder] = ::stat(folder.c_str(), &info) == 0 ? info.st_mtim : std::timespec{};
-    }
-    return times;
-}
-
-bool PollingFolderWatch::changed() const {
-    const Times now = look();
-    return lookAgain_ ||
-           !std::equal(now.begin(), now.end(), seen_.begin(), [](const auto& a, const auto& b) {
-               return FileTimes::same(a.second, b.second);
-           });
-}
-
-bool PollingFolderWatch::takeIn() {
-    const std::timespec start = FileTimes::coarseNow();
-    Times now = look();
-    bool moved = lookAgain_;
-    lookAgain_ = false;
-    for (const auto& [folder, time] : now) {
-        const auto before = seen_.find(folder);
-        if (before != seen_.end() && FileTimes::same(before->second, time))
-            continue;
-        moved = true;
-        lookAgain_ = lookAgain_ || !FileTimes::earlier(time, start);
-    }
-    seen_ = std::move(now);
-    return moved;
 }
 
 void PollingFolderWatch::tick() {
     loop_.armTimer(timer_, periodMilliseconds_ * 1000ULL);
-    if (takeIn())
+    const std::timespec start = FileTimes::coarseNow();
+    FolderTimes::Times now = FolderTimes::look(watched_);
+    const bool changed = times_.differ(now);
+    times_.takeIn(std::move(now), start);
+    if (changed)
         onChange_();
 }
 
@@ -71,7 +37,7 @@ bool PollingFolderWatch::waitForChange(int milliseconds) const {
     const auto deadline =
         std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
     for (;;) {
-        if (changed())
+        if (times_.differ(FolderTimes::look(watched_)))
             return true;
         const auto left = deadline - std::chrono::steady_clock::now();
         if (left <= std::chrono::steady_clock::duration::zero())

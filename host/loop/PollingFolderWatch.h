@@ -1,9 +1,7 @@
 #pragma once
 
+#include "host/fonts/FolderTimes.h"
 #include "host/loop/FontFolderWatch.h"
-
-#include <ctime>
-#include <map>
 
 namespace Galley {
 
@@ -23,21 +21,14 @@ public:
     bool waitForChange(int milliseconds) const override;
 
 private:
-    using Times = std::map<std::string, std::timespec>; // folder -> time, zero when gone
-    Times look() const;
-    bool changed() const;
-    // Takes the folders' times in; true when they differ from those seen before.
-    bool takeIn();
     void tick();
 
     EventLoop& loop_;
     std::function<void()> onChange_;
     int periodMilliseconds_;
     EventLoop::SourceId timer_ = 0;
-    Times seen_;
-    // A folder changed within the clock tick of the last look: a second change in that
-    // tick would not move its time, so the next tick counts as a change once more.
-    bool lookAgain_ = false;
+    std::vector<std::string> watched_;
+    FolderTimes times_;
 };
 
 } // namespace Galley
