@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <pthread.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,35 +18,69 @@ namespace Platform::Linux {
 
 namespace {
 
-[[noreturn]] void reportAndExit(int errorPipe, int error) {
-    ssize_t written = write(errorPipe, &error, sizeof error);
-    (void)written;
-    _exit(127);
-}
+// What the program starts with: the standard streams on /dev/null, no descriptor of ours
+// (bus sockets, documents), every signal at its default and none blocked, a session of its
+// own.
+class SpawnSetup {
+public:
+    SpawnSetup() {
+        sigset_t all;
+        sigset_t none;
+        sigfillset(&all);
+        sigemptyset(&none);
+        ready_ = posix_spawn_file_actions_init(&actions_) == 0;
+        ready_ = posix_spawnattr_init(&attributes_) == 0 && ready_;
+        ready_ =
+            ready_ &&
+            posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDWR, 0) ==
+                0 &&
+            posix_spawn_file_actions_adddup2(&actions_, STDIN_FILENO, STDOUT_FILENO) == 0 &&
+            posix_spawn_file_actions_adddup2(&actions_, STDIN_FILENO, STDERR_FILENO) == 0 &&
+            posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1) == 0 &&
+            posix_spawnattr_setsigdefault(&attributes_, &all) == 0 &&
+            posix_spawnattr_setsigmask(&attributes_, &none) == 0 &&
+            posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK |
+                                                       POSIX_SPAWN_SETSID) == 0;
+    }
+    ~SpawnSetup() {
+        posix_spawn_file_actions_destroy(&actions_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+    SpawnSetup(const SpawnSetup&) = delete;
+    SpawnSetup& operator=(const SpawnSetup&) = delete;
 
-// Runs in the grandchild, between fork and exec: async-signal-safe calls only, since the
-// caller may have other threads.
-[[noreturn]] void execDetached(const char* path, char* const* argv, int errorPipe) {
-    int devNull = open("/dev/null", O_RDWR);
-    if (devNull < 0 || dup2(devNull, STDIN_FILENO) < 0 || dup2(devNull, STDOUT_FILENO) < 0 ||
-        dup2(devNull, STDERR_FILENO) < 0) {
-        reportAndExit(errorPipe, errno);
+    bool ready() const { return ready_; }
+    const posix_spawn_file_actions_t* actions() const { return &actions_; }
+    const posix_spawnattr_t* attributes() const { return &attributes_; }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+    posix_spawnattr_t attributes_{};
+    bool ready_ = false;
+};
+
+// The double fork without copying the caller's address space twice (a host with its
+// toolkit loaded has hundreds of mappings, and two copies cost more than starting the
+// program itself): a vfork child that only spawns the program and exits with the outcome.
+// The program is then nobody's child but init's (or a subreaper's). Returns the child, or
+// -1 with errno set; the child's exit status is 0 once the program runs, else the errno
+// that stopped it.
+pid_t spawnThroughChild(const std::string& path, char* const* argv, const SpawnSetup& setup) {
+    // The child borrows our memory until it exits: none of our signal handlers may run in it.
+    sigset_t all;
+    sigset_t previous;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &previous);
+    const pid_t child = vfork();
+    if (child == 0) {
+        pid_t program = 0;
+        _exit(posix_spawn(&program, path.c_str(), setup.actions(), setup.attributes(), argv,
+                          environ));
     }
-    if (devNull > STDERR_FILENO) {
-        close(devNull);
-    }
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    struct sigaction defaults {};
-    defaults.sa_handler = SIG_DFL;
-    for (int sig = 1; sig < NSIG; ++sig) {
-        sigaction(sig, &defaults, nullptr); // fails harmlessly for SIGKILL, SIGSTOP
-    }
-    // Whatever the host left open (bus sockets, documents) must not leak into the program.
-    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-    execve(path, argv, environ);
-    reportAndExit(errorPipe, errno);
+    const int forkError = errno;
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    errno = forkError;
+    return child;
 }
 
 int waitForChild(pid_t child) {
@@ -94,50 +130,28 @@ int launchDetached(const std::vector<std::string>& argv, std::string& error) {
         error = argv.front() + ": program not found or not executable";
         return Status::launchFailed;
     }
-    // Everything that allocates happens before the fork.
     std::vector<char*> args;
     for (const auto& argument : argv) {
         args.push_back(const_cast<char*>(argument.c_str()));
     }
     args.push_back(nullptr);
-
-    int errorPipe[2];
-    if (pipe2(errorPipe, O_CLOEXEC) != 0) {
-        error = std::string("pipe: ") + std::strerror(errno);
+    const SpawnSetup setup;
+    if (!setup.ready()) {
+        error = "cannot prepare the launch of " + argv.front();
         return Status::launchFailed;
     }
-    pid_t child = fork();
+    const pid_t child = spawnThroughChild(path, args.data(), setup);
     if (child < 0) {
-        error = std::string("fork: ") + std::strerror(errno);
-        close(errorPipe[0]);
-        close(errorPipe[1]);
+        error = std::string("vfork: ") + std::strerror(errno);
         return Status::launchFailed;
     }
-    if (child == 0) {
-        close(errorPipe[0]);
-        if (setsid() < 0) {
-            reportAndExit(errorPipe[1], errno);
-        }
-        pid_t grandchild = fork();
-        if (grandchild < 0) {
-            reportAndExit(errorPipe[1], errno);
-        }
-        if (grandchild > 0) {
-            _exit(0);
-        }
-        execDetached(path.c_str(), args.data(), errorPipe[1]);
+    const int status = waitForChild(child);
+    if (status < 0 || !WIFEXITED(status)) {
+        error = argv.front() + ": the launch ended abnormally";
+        return Status::launchFailed;
     }
-    close(errorPipe[1]);
-    waitForChild(child);
-    // The write end closes on a successful exec (CLOEXEC): end of file means it ran.
-    int childError = 0;
-    ssize_t n;
-    do {
-        n = read(errorPipe[0], &childError, sizeof childError);
-    } while (n < 0 && errno == EINTR);
-    close(errorPipe[0]);
-    if (n == static_cast<ssize_t>(sizeof childError)) {
-        error = argv.front() + ": " + std::strerror(childError);
+    if (WEXITSTATUS(status) != 0) {
+        error = argv.front() + ": " + std::strerror(WEXITSTATUS(status));
         return Status::launchFailed;
     }
     return Status::ok;
