@@ -93,9 +93,28 @@ FontconfigFontSystem::~FontconfigFontSystem() {
 }
 
 std::vector<InstalledFace> FontconfigFontSystem::load() {
-    if (!config_ || !addNewFiles())
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!config_ || !addNewFiles(folders_))
         loadAfresh();
+    readAhead_ = folders_;
     return listFaces();
+}
+
+void FontconfigFontSystem::readAhead() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    // Anything but added files is left to load(), which builds a fresh configuration.
+    if (config_)
+        addNewFiles(readAhead_);
+}
+
+int FontconfigFontSystem::freshLoads() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return freshLoads_;
+}
+
+int FontconfigFontSystem::filesTakenIn() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return filesTakenIn_;
 }
 
 void FontconfigFontSystem::loadAfresh() {
@@ -116,17 +135,18 @@ void FontconfigFontSystem::loadAfresh() {
         files_.emplace(firstString(set->fonts[i], FC_FILE), std::nullopt);
 }
 
-// Hands fontconfig the files that appeared in the changed folders. False when a folder
-// changed in any other way, which the caller answers with a fresh configuration.
-bool FontconfigFontSystem::addNewFiles() {
+// Hands fontconfig the files that appeared in the folders changed `since`, and takes the
+// folders' times in. False, with nothing done, when a folder changed in any other way, which
+// load() answers with a fresh configuration. Files read ahead are known and not read again.
+bool FontconfigFontSystem::addNewFiles(FolderTimes& since) {
     const std::timespec start = FileTimes::coarseNow();
     FolderTimes::Times now = snapshotFolders();
-    if (now.size() != folders_.times().size())
+    if (now.size() != since.times().size())
         return false;
     std::vector<std::string> added;
-    for (const auto& folder : folders_.changedIn(now)) {
-        const auto before = folders_.times().find(folder);
-        if (before == folders_.times().end())
+    for (const auto& folder : since.changedIn(now)) {
+        const auto before = since.times().find(folder);
+        if (before == since.times().end())
             return false;
         if (FileTimes::same(before->second, std::timespec{}))
             return false; // a configured folder appeared: it may hold further folders
@@ -137,8 +157,9 @@ bool FontconfigFontSystem::addNewFiles() {
         // Not a font (a fonts.dir, say): fontconfig says no, and it is not asked again.
         FcConfigAppFontAddFile(config_, reinterpret_cast<const FcChar8*>(file.c_str()));
         files_[file] = statusChanged(file);
+        ++filesTakenIn_;
     }
-    folders_.takeIn(std::move(now), start);
+    since.takeIn(std::move(now), start);
     return true;
 }
 
@@ -197,10 +218,12 @@ std::vector<InstalledFace> FontconfigFontSystem::listFaces() const {
 }
 
 bool FontconfigFontSystem::changedSinceLoad() {
+    std::lock_guard<std::mutex> lock(mutex_);
     return !config_ || folders_.differ(snapshotFolders());
 }
 
 std::vector<std::string> FontconfigFontSystem::watchedFolders() const {
+    std::lock_guard<std::mutex> lock(mutex_);
     std::vector<std::string> folders;
     for (const auto& [folder, time] : folders_.times())
         folders.push_back(folder);

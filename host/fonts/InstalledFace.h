@@ -32,6 +32,10 @@ public:
     virtual bool changedSinceLoad() = 0;
     // The folders whose changes can change the faces (for a watch); empty when unknown.
     virtual std::vector<std::string> watchedFolders() const { return {}; }
+    // Called from a folder watch's own thread when it saw the folders change: reads what it
+    // safely can now, so that the next load() finds it read. Sources that do not say they
+    // are safe to call from another thread leave this empty.
+    virtual void readAhead() {}
 };
 
 } // namespace Galley

@@ -39,6 +39,7 @@ public:
     // font list in a loop sleeps instead of spinning.
     void setChangeWait(std::function<void()> wait) { changeWait_ = std::move(wait); }
     const FaceSource& source() const { return source_; }
+    FaceSource& source() { return source_; }
 
     // The installed face with that PostScript name. When several formats carry the name
     // (URW base35 ships each face as Type 1 and OpenType CFF), a face of `preferred` type

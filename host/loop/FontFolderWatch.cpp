@@ -17,13 +17,14 @@ constexpr int pollingPeriodMilliseconds = 2;
 } // namespace
 
 std::unique_ptr<FontFolderWatch> FontFolderWatch::create(FolderWatching how, EventLoop& loop,
-                                                         std::function<void()> onChange) {
+                                                         std::function<void()> onChange,
+                                                         std::function<void()> onChangeSeen) {
     switch (how) {
     case FolderWatching::inotify:
         return std::make_unique<InotifyFolderWatch>(loop, std::move(onChange));
     case FolderWatching::polling:
-        return std::make_unique<PollingFolderWatch>(loop, std::move(onChange),
-                                                    pollingPeriodMilliseconds);
+        return std::make_unique<PollingFolderWatch>(
+            loop, std::move(onChange), std::move(onChangeSeen), pollingPeriodMilliseconds);
     case FolderWatching::off:
         break;
     }

@@ -25,8 +25,11 @@ public:
     virtual ~FontFolderWatch() = default;
 
     // Null for FolderWatching::off. Throws std::runtime_error when the watch cannot be set up.
+    // A watch that looks on a thread of its own (polling) also calls `onChangeSeen` there, at
+    // once, before `onChange` is called on the loop; it must be safe to call from any thread.
     static std::unique_ptr<FontFolderWatch> create(FolderWatching how, EventLoop& loop,
-                                                   std::function<void()> onChange);
+                                                   std::function<void()> onChange,
+                                                   std::function<void()> onChangeSeen = {});
 
     // Watches exactly these folders (and the parents of missing ones) from now on.
     virtual void watch(const std::vector<std::string>& folders) = 0;

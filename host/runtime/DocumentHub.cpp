@@ -50,13 +50,17 @@ DocumentHub::~DocumentHub() {
 
 void DocumentHub::watchFontFolders(FolderWatching how) {
     try {
-        fontWatch_ = FontFolderWatch::create(how, events_, [this] {
-            // Coalesced: one reload however many events a burst of links brought.
-            if (!fontChangePending_) {
-                fontChangePending_ = true;
-                loop_.post([this] { fontFoldersChanged(); });
-            }
-        });
+        FaceSource& source = session_.fonts().source();
+        fontWatch_ = FontFolderWatch::create(
+            how, events_,
+            [this] {
+                // Coalesced: one reload however many events a burst of links brought.
+                if (!fontChangePending_) {
+                    fontChangePending_ = true;
+                    loop_.post([this] { fontFoldersChanged(); });
+                }
+            },
+            [&source] { source.readAhead(); });
         refreshFontWatch();
         session_.fonts().setChangeWait([this] { waitForFontChange(); });
     } catch (const std::exception& error) {

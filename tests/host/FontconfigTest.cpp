@@ -69,8 +69,13 @@ TEST_F(Fontconfig, FontLinkedWithinTheSameSecondIsSeenAndAnnounced) {
 
 // Every way a font folder changes after the load, one after the other in one session: what
 // fontconfig then lists must be what a fresh configuration would list, and files that were
-// only added are taken in one by one, without reading the whole configuration again.
-TEST_F(Fontconfig, EveryChangeOfAFontFolderIsTakenIn) {
+// only added are taken in one by one, without reading the whole configuration again. With
+// the parameter, the watch's thread reads ahead before each load: added files are then read
+// there, once, and anything else is left to the load.
+class FontFolderChanges : public Fontconfig, public ::testing::WithParamInterface<bool> {};
+
+TEST_P(FontFolderChanges, EveryChangeIsTakenIn) {
+    const bool readAhead = GetParam();
     namespace fs = std::filesystem;
     const std::string folder = faces.fontFolder();
     const auto linkAs = [&](const std::string& target, const std::string& name) {
@@ -133,8 +138,19 @@ TEST_F(Fontconfig, EveryChangeOfAFontFolderIsTakenIn) {
         std::this_thread::sleep_for(std::chrono::milliseconds(12));
         fonts().UpdateFontList();
         const int freshLoads = faces.freshLoads();
+        const int filesTakenIn = faces.filesTakenIn();
         step.change();
-        fonts().UpdateFontList();
+        if (readAhead) {
+            faces.readAhead();
+            const int readEarly = faces.filesTakenIn() - filesTakenIn;
+            EXPECT_EQ(readEarly > 0, !step.readAgain && step.what != std::string("a hidden file"))
+                << step.what;
+            fonts().UpdateFontList();
+            EXPECT_EQ(faces.filesTakenIn() - filesTakenIn, readEarly)
+                << step.what << ": read again in the load";
+        } else {
+            fonts().UpdateFontList();
+        }
         Strings listed;
         for (const auto* font : fonts().installedFonts())
             listed.push_back(font->face().postscriptName);
@@ -143,5 +159,8 @@ TEST_F(Fontconfig, EveryChangeOfAFontFolderIsTakenIn) {
         EXPECT_EQ(faces.freshLoads() > freshLoads, step.readAgain) << step.what;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Fontconfig, FontFolderChanges, ::testing::Bool(),
+                         [](const auto& info) { return info.param ? "ReadAhead" : "AtLoad"; });
 
 } // namespace

@@ -5,12 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -24,7 +26,13 @@ protected:
         std::string pattern = (fs::temp_directory_path() / "galley-watch-XXXXXX").string();
         root_ = ::mkdtemp(pattern.data());
         fs::create_directories(root_ / "fonts");
-        watch_ = Galley::FontFolderWatch::create(GetParam(), loop_, [this] { ++changes_; });
+        watch_ = Galley::FontFolderWatch::create(
+            GetParam(), loop_, [this] { ++changes_; },
+            [this] {
+                // Reading ahead is for the time the loop is not turning: off its thread.
+                if (std::this_thread::get_id() != loopThread_)
+                    ++seenOffTheLoop_;
+            });
         // The font manager's folder does not exist yet: its parent stands in for it.
         watch_->watch({(root_ / "fonts").string(), (root_ / "fonts/manager").string()});
         settle();
@@ -55,6 +63,8 @@ protected:
     }
 
     fs::path root_;
+    const std::thread::id loopThread_ = std::this_thread::get_id();
+    std::atomic<int> seenOffTheLoop_{0};
     Galley::SdEventLoop loop_;
     std::unique_ptr<Galley::FontFolderWatch> watch_;
     int changes_ = 0;
@@ -79,6 +89,8 @@ TEST_P(FontFolderWatchTest, EveryChangeTheFontManagerMakesIsAnnounced) {
     }
     std::ofstream(fonts / "manager" / "c.ttf") << "font";
     EXPECT_TRUE(announced()) << "a face in the folder that was created";
+    // Only the polling watch looks on a thread of its own, and tells of each change there.
+    EXPECT_EQ(seenOffTheLoop_ >= 5, GetParam() == FolderWatching::polling) << seenOffTheLoop_;
 }
 
 TEST_P(FontFolderWatchTest, NothingChangedNothingAnnounced) {
