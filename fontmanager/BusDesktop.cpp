@@ -24,10 +24,16 @@ bool isSet(const char* name) {
 // How long a notification stays, in milliseconds.
 constexpr std::int32_t notificationTimeout = 8000;
 
+void logOwnerWatchFailed() {
+    Logger::log(logTag, "cannot watch applications leave the bus; fonts activated for them "
+                        "stay active");
+}
+
 } // namespace
 
 struct BusDesktopCallbacks {
     static int onNameOwnerChanged(sd_bus_message* message, void* userdata, sd_bus_error* error);
+    static int onOwnerWatchInstalled(sd_bus_message* reply, void* userdata, sd_bus_error* error);
     static int onNotified(sd_bus_message* reply, void* userdata, sd_bus_error* error);
 };
 
@@ -42,12 +48,15 @@ std::string applicationDisplayName(const std::string& signature) {
 BusDesktop::BusDesktop(Platform::Linux::DBusAppEvents& events, TemporaryActivation& temporary,
                        std::filesystem::path executable)
     : events(events), temporary(temporary), executable(std::move(executable)) {
-    const int r = sd_bus_match_signal(
+    // Not waited for, which saves the server's start a round trip: the bus daemon handles
+    // our messages in order, so the watch is in place before any application gets the reply
+    // that makes it a requester whose leaving counts.
+    const int r = sd_bus_match_signal_async(
         events.bus(), &ownerWatch, "org.freedesktop.DBus", "/org/freedesktop/DBus",
-        "org.freedesktop.DBus", "NameOwnerChanged", BusDesktopCallbacks::onNameOwnerChanged, this);
+        "org.freedesktop.DBus", "NameOwnerChanged", BusDesktopCallbacks::onNameOwnerChanged,
+        BusDesktopCallbacks::onOwnerWatchInstalled, this);
     if (r < 0) {
-        Logger::log(logTag, "cannot watch applications leave the bus; fonts activated for them "
-                            "stay active");
+        logOwnerWatchFailed();
     }
 }
 
@@ -68,6 +77,13 @@ int BusDesktopCallbacks::onNameOwnerChanged(sd_bus_message* message, void* userd
     if (signature && *newOwner == '\0') {
         Logger::log(logTag, std::string(name) + " left the bus");
         self->temporary.applicationLeft(*signature, TemporaryActivation::Clock::now());
+    }
+    return 0;
+}
+
+int BusDesktopCallbacks::onOwnerWatchInstalled(sd_bus_message* reply, void*, sd_bus_error*) {
+    if (sd_bus_message_is_method_error(reply, nullptr)) {
+        logOwnerWatchFailed();
     }
     return 0;
 }
