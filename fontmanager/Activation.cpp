@@ -1,5 +1,6 @@
 #include "fontmanager/Activation.h"
 
+#include "fontmanager/FileStamp.h"
 #include "foundation/Logger.h"
 
 #include <algorithm>
@@ -105,8 +106,13 @@ bool Activation::stillHolds(const FaceRecord& face, std::string& problem) {
         problem = file.string() + " is no longer a regular file";
         return false;
     }
-    // The one face it was added as: a request activating fifty faces reads fifty faces,
-    // not every face of fifty files twice.
+    // Untouched since it was added: it holds what it held. A request for fifty faces then
+    // reads none of them.
+    if (!face.fileStamp.empty() && fileStamp(file) == face.fileStamp) {
+        return true;
+    }
+    // Else the one face it was added as: a request activating fifty faces reads fifty
+    // faces, not every face of fifty files twice.
     std::string unreadable;
     const auto description = reader.readFace(file, face.faceIndex, unreadable);
     const bool holds = description && description->postScriptName == face.postScriptName &&

@@ -32,6 +32,10 @@ struct FaceRecord {
     // records paths (SQLite).
     std::string contentHash;
     std::string metricsHash;
+    // The font file as it was when the face was added (fileStamp()): while the file still
+    // has this stamp, activation need not read it again to know it holds the face. Empty
+    // where it is not known (faces added by an older vellumine, libraries that hold the bytes).
+    std::string fileStamp;
 };
 
 // A link that activation made, with what it pointed to when it was made.

@@ -1,5 +1,6 @@
 #include "fontmanager/FaceReader.h"
 
+#include "fontmanager/FileStamp.h"
 #include "foundation/AsciiCase.h"
 
 #include <algorithm>
@@ -101,6 +102,8 @@ FontFileReading FaceReader::read(const std::filesystem::path& file) const {
                                               : "not a regular file");
         return reading;
     }
+    // Before the file is read: a change while it is makes the stamp stale, not wrong.
+    const std::string stamp = fileStamp(file);
     FT_Face probe = nullptr;
     FT_Error error = FT_New_Face(library->handle, file.c_str(), -1, &probe);
     if (error != 0) {
@@ -117,6 +120,7 @@ FontFileReading FaceReader::read(const std::filesystem::path& file) const {
     for (FT_Long index = 0; index < faceCount; ++index) {
         std::string problem;
         if (auto description = readFace(file, index, problem)) {
+            description->fileStamp = stamp;
             reading.faces.push_back(std::move(*description));
         } else {
             reading.problems.push_back("face " + std::to_string(index) + ": " + problem);

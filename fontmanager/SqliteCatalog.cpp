@@ -93,11 +93,16 @@ CREATE TABLE requesters (
 );
 )";
 
+// From schema 3: the font file's stamp when its face was added.
+const char* const schema3to4 = R"(
+ALTER TABLE faces ADD COLUMN file_stamp TEXT NOT NULL DEFAULT '';
+)";
+
 constexpr int busyAttempts = 5;
 
 const char* const faceColumns =
     "SELECT f.id, f.path, f.face_index, f.ps_name, f.family, f.style, f.type, f.metrics_path, "
-    "l.face_id IS NOT NULL FROM faces f LEFT JOIN links l ON l.face_id = f.id ";
+    "l.face_id IS NOT NULL, f.file_stamp FROM faces f LEFT JOIN links l ON l.face_id = f.id ";
 
 std::string faceQuery(const char* tail) {
     return std::string(faceColumns) + tail;
@@ -209,7 +214,10 @@ void SqliteCatalog::migrate() {
     } else if (current == 1) {
         db.execute(schema1to2);
     }
-    db.execute(schema2to3);
+    if (current < 3) {
+        db.execute(schema2to3);
+    }
+    db.execute(schema3to4);
     db.execute("PRAGMA user_version = " + std::to_string(schemaVersion));
 }
 
@@ -223,18 +231,19 @@ AddedFace SqliteCatalog::addFace(const std::filesystem::path& file,
             .singleInteger();
     if (id != 0) {
         db.prepare("UPDATE faces SET ps_name = ?, family = ?, style = ?, type = ?, "
-                   "metrics_path = ? WHERE id = ?")
+                   "metrics_path = ?, file_stamp = ? WHERE id = ?")
             .bind(1, face.postScriptName)
             .bind(2, face.family)
             .bind(3, face.style)
             .bind(4, wireText(face.type))
             .bind(5, metricsFile.string())
-            .bind(6, id)
+            .bind(6, face.fileStamp)
+            .bind(7, id)
             .run();
         return {id, false};
     }
     db.prepare("INSERT INTO faces (path, face_index, ps_name, family, style, type, metrics_path, "
-               "added_at) VALUES (?, ?, ?, ?, ?, ?, ?, ?)")
+               "added_at, file_stamp) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)")
         .bind(1, file.string())
         .bind(2, static_cast<std::int64_t>(face.faceIndex))
         .bind(3, face.postScriptName)
@@ -243,6 +252,7 @@ AddedFace SqliteCatalog::addFace(const std::filesystem::path& file,
         .bind(6, wireText(face.type))
         .bind(7, metricsFile.string())
         .bind(8, now())
+        .bind(9, face.fileStamp)
         .run();
     return {db.lastInsertedRow(), true};
 }
@@ -264,6 +274,7 @@ std::vector<FaceRecord> SqliteCatalog::faces(SqliteStatement& statement) {
         record.style = statement.text(5);
         record.metricsFile = statement.text(7);
         record.active = statement.integer(8) != 0;
+        record.fileStamp = statement.text(9);
         records.push_back(std::move(record));
     }
     return records;

@@ -11,7 +11,7 @@ namespace Vellumine {
 // The font library in an SQLite file of the user's own (library URL "sqlite:PATH").
 class SqliteCatalog : public Catalog {
 public:
-    static constexpr int schemaVersion = 3;
+    static constexpr int schemaVersion = 4;
     using Access = SqliteDatabase::Access;
 
     // Opens or creates the catalog file (and its folder) and brings its schema up to date.

@@ -2,13 +2,18 @@
 
 #include "fontmanager/Activation.h"
 #include "fontmanager/FaceReader.h"
+#include "fontmanager/FileStamp.h"
 #include "fontmanager/LibraryCheck.h"
 #include "fontmanager/LibraryImporter.h"
+#include "fontmanager/Sqlite.h"
 #include "fontmanager/SqliteCatalog.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
+#include <thread>
+#include <tuple>
 
 #include <sys/stat.h>
 
@@ -57,6 +62,43 @@ TEST(FaceReader, ReportsDamagedFilesInsteadOfFailing) {
         EXPECT_TRUE(reading.faces.empty()) << file;
         EXPECT_FALSE(reading.problems.empty()) << file;
     }
+}
+
+// A stamp stands for the file as it was: anything done to the file after a clock tick
+// changes it, and a file changed within the current tick gets none.
+TEST(FileStamp, ChangesWithAnyChangeOfTheFileAndIsWithheldWithinTheTickOfOne) {
+    ScratchFolder scratch;
+    const auto file = scratch.write("Face.ttf", readFile(dejaVuSans));
+    const auto pastTheTick = [] { std::this_thread::sleep_for(std::chrono::milliseconds(12)); };
+    enum class Then { same, differs };
+    const std::vector<std::tuple<const char*, std::function<void()>, Then>> cases = {
+        {"left alone", [] {}, Then::same},
+        {"written again with the same bytes",
+         [&] { scratch.write("Face.ttf", readFile(dejaVuSans)); }, Then::differs},
+        {"another file moved into its place",
+         [&] {
+             scratch.write("Other.ttf", readFile(dejaVuSans));
+             pastTheTick();
+             std::filesystem::rename(scratch.path() / "Other.ttf", file);
+         },
+         Then::differs},
+        {"its permissions changed",
+         [&] { std::filesystem::permissions(file, std::filesystem::perms::owner_read); },
+         Then::differs},
+    };
+    for (const auto& [what, change, then] : cases) {
+        pastTheTick();
+        const std::string before = fileStamp(file);
+        ASSERT_FALSE(before.empty()) << what;
+        change();
+        pastTheTick();
+        const std::string after = fileStamp(file);
+        EXPECT_FALSE(after.empty()) << what;
+        EXPECT_EQ(after == before, then == Then::same) << what;
+    }
+    scratch.write("Fresh.ttf", "just written");
+    EXPECT_EQ(fileStamp(scratch.path() / "Fresh.ttf"), "") << "changed within this tick";
+    EXPECT_EQ(fileStamp(scratch.path() / "missing.ttf"), "");
 }
 
 class LibraryTest : public testing::Test {
@@ -206,6 +248,27 @@ TEST_F(LibraryTest, RefusesFilesItCannotUseWithoutBlockingOrLosingAnything) {
     EXPECT_EQ(result.outcome, ActivationResult::Outcome::failed);
     EXPECT_NE(result.message.find("no longer holds"), std::string::npos) << result.message;
     EXPECT_EQ(readFile(replaced), "garbage where a font was");
+}
+
+// A catalog of the schema before file stamps: its faces keep their identifiers and are
+// verified by reading until they are added again, which records their stamps.
+TEST_F(LibraryTest, ACatalogFromBeforeFileStampsIsMigratedAndItsFacesStillVerified) {
+    importer.add({dejaVuSans});
+    const FaceRecord added = catalog.allFaces().at(0);
+    EXPECT_EQ(added.fileStamp, fileStamp(dejaVuSans));
+    {
+        SqliteDatabase older(scratch.path() / "vellumine" / "library.db");
+        older.execute("ALTER TABLE faces DROP COLUMN file_stamp; PRAGMA user_version = 3;");
+    }
+    SqliteCatalog migrated(scratch.path() / "vellumine" / "library.db");
+    ASSERT_EQ(migrated.allFaces().size(), 1u);
+    EXPECT_EQ(migrated.allFaces().at(0).id, added.id);
+    EXPECT_EQ(migrated.allFaces().at(0).fileStamp, "");
+    Activation activating(migrated, activationFolder());
+    EXPECT_EQ(activating.activate(added.id).outcome, ActivationResult::Outcome::changed);
+    LibraryImporter again(migrated, reader);
+    again.add({dejaVuSans});
+    EXPECT_EQ(migrated.face(added.id)->fileStamp, fileStamp(dejaVuSans));
 }
 
 TEST_F(LibraryTest, ActivatesFilesWithNamesAsLongAsAFolderAllows) {
