@@ -17,17 +17,34 @@ std::filesystem::path LibraryPaths::applicationsFolder() const {
     return dataHome / "applications";
 }
 
-LibraryPaths LibraryPaths::fromEnvironment() {
-    // The XDG base directory rules ignore relative values.
-    const char* xdg = std::getenv("XDG_DATA_HOME");
+std::filesystem::path LibraryPaths::systemFontsFile() const {
+    return cacheHome.empty() ? std::filesystem::path() : cacheHome / "vellumine" / "system-fonts";
+}
+
+namespace {
+
+// The XDG base directory rules ignore relative values.
+std::filesystem::path xdgFolder(const char* variable, const std::filesystem::path& underHome) {
+    const char* xdg = std::getenv(variable);
     if (xdg != nullptr && std::filesystem::path(xdg).is_absolute()) {
-        return LibraryPaths{xdg};
+        return xdg;
     }
     const char* home = std::getenv("HOME");
     if (home != nullptr && std::filesystem::path(home).is_absolute()) {
-        return LibraryPaths{std::filesystem::path(home) / ".local" / "share"};
+        return std::filesystem::path(home) / underHome;
     }
-    throw std::runtime_error("neither XDG_DATA_HOME nor HOME names an absolute folder");
+    return {};
+}
+
+} // namespace
+
+LibraryPaths LibraryPaths::fromEnvironment() {
+    LibraryPaths paths{xdgFolder("XDG_DATA_HOME", ".local/share"),
+                       xdgFolder("XDG_CACHE_HOME", ".cache")};
+    if (paths.dataHome.empty()) {
+        throw std::runtime_error("neither XDG_DATA_HOME nor HOME names an absolute folder");
+    }
+    return paths;
 }
 
 } // namespace Vellumine

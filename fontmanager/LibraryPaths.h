@@ -8,6 +8,8 @@ namespace Vellumine {
 // ($XDG_DATA_HOME, else ~/.local/share).
 struct LibraryPaths {
     std::filesystem::path dataHome;
+    // $XDG_CACHE_HOME, else ~/.cache; empty when neither names an absolute folder.
+    std::filesystem::path cacheHome;
 
     // $XDG_DATA_HOME/vellumine/library.db
     std::filesystem::path catalogFile() const;
@@ -15,6 +17,9 @@ struct LibraryPaths {
     std::filesystem::path activationFolder() const;
     // $XDG_DATA_HOME/applications/
     std::filesystem::path applicationsFolder() const;
+    // $XDG_CACHE_HOME/vellumine/system-fonts: the system's fonts as last read, for the next
+    // start. Empty without a cache folder.
+    std::filesystem::path systemFontsFile() const;
 
     // From the environment; throws std::runtime_error when neither XDG_DATA_HOME nor HOME
     // names an absolute folder.

@@ -24,7 +24,8 @@ std::string summary(const Request& request) {
 
 RequestDispatcher::RequestDispatcher(Catalog& catalog, Activation& activation,
                                      LibraryChanges& changes, DispatcherOptions options)
-    : catalog(catalog), activation(activation), changes(changes), options(std::move(options)) {}
+    : catalog(catalog), activation(activation), changes(changes), options(std::move(options)),
+      systemFonts(this->options.systemFontsKeptIn) {}
 
 void RequestDispatcher::preloadSystemFonts() {
     if (catalog.systemFonts()) {

@@ -18,6 +18,8 @@ struct DispatcherOptions {
     ReplyLimits replyLimits;
     // The server's desktop side; none answers show and buy requests by recording them only.
     Desktop* desktop = nullptr;
+    // Where the system's fonts are kept from one server to the next (none: not kept).
+    std::filesystem::path systemFontsKeptIn;
 };
 
 // Turns one request text into its reply text. Never throws: a malformed request, an

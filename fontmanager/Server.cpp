@@ -264,8 +264,9 @@ int serve(const LibraryPaths& paths, const ServeOptions& options, std::ostream& 
         catalog, activation, changes,
         [&](const std::string& signature) { return !desktop || desktop->isRunning(signature); },
         options.deactivationDelay);
-    RequestDispatcher dispatcher(catalog, activation, changes,
-                                 {options.protocolVersion, {}, {}, nullptr});
+    RequestDispatcher dispatcher(
+        catalog, activation, changes,
+        {options.protocolVersion, {}, {}, nullptr, paths.systemFontsFile()});
     dispatcher.preloadSystemFonts();
     ChangeForwarder forwarder(catalog,
                               [&](const std::string& signature, const Platform::AppEvent& event) {

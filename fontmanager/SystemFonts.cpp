@@ -1,5 +1,6 @@
 #include "fontmanager/SystemFonts.h"
 
+#include "fontmanager/FaceType.h"
 #include "foundation/AsciiCase.h"
 
 #include <fontconfig/fontconfig.h>
@@ -151,6 +152,16 @@ std::string environmentValue(const char* name) {
     return value != nullptr ? value : "";
 }
 
+// What of the environment decides which configuration fontconfig reads.
+std::string fontconfigEnvironment() {
+    std::string text;
+    for (const char* name : {"FONTCONFIG_FILE", "FONTCONFIG_PATH", "FONTCONFIG_SYSROOT", "HOME",
+                             "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
+        text += std::string(name) + "=" + environmentValue(name) + "\n";
+    }
+    return text;
+}
+
 } // namespace
 
 SystemFonts SystemFonts::fromFontconfig(const std::filesystem::path& ownFolder,
@@ -215,15 +226,77 @@ std::vector<const SystemFace*> SystemFonts::byFamily(const std::string& family) 
     return found(faces, families, AsciiCase::lowered(family));
 }
 
+SystemFontsCache::SystemFontsCache(std::filesystem::path keptIn,
+                                   std::chrono::milliseconds checkDelay)
+    : keptIn(std::move(keptIn)), checkDelay(checkDelay) {}
+
 SystemFontsCache::~SystemFontsCache() {
-    if (preloading.valid()) {
-        preloading.wait();
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        stopping = true;
+    }
+    wake.notify_all();
+    if (loader.joinable()) {
+        loader.join();
     }
 }
 
 void SystemFontsCache::preload(const std::filesystem::path& ownFolder) {
-    if (!loaded && !preloading.valid()) {
-        preloading = std::async(std::launch::async, &SystemFontsCache::load, ownFolder);
+    if (loaded || loader.joinable()) {
+        return;
+    }
+    if (auto kept = readKept(); kept && !changed(*kept, ownFolder)) {
+        loaded = std::move(kept);
+        startLoading(ownFolder, checkDelay);
+    } else {
+        startLoading(ownFolder, std::chrono::milliseconds(0));
+    }
+}
+
+void SystemFontsCache::startLoading(const std::filesystem::path& ownFolder,
+                                    std::chrono::milliseconds after) {
+    loading = true;
+    loader = std::thread([this, ownFolder, after] {
+        {
+            std::unique_lock<std::mutex> lock(mutex);
+            if (wake.wait_for(lock, after, [this] { return stopping; })) {
+                loading = false;
+                return;
+            }
+        }
+        std::optional<Snapshot> snapshot;
+        std::exception_ptr failure;
+        try {
+            snapshot = load(ownFolder);
+            keep(*snapshot);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        std::lock_guard<std::mutex> lock(mutex);
+        background = std::move(snapshot);
+        backgroundFailure = failure;
+        loading = false;
+        wake.notify_all();
+    });
+}
+
+// The background load's result, when there is one; with `wait`, waits for a load under way.
+void SystemFontsCache::takeInLoaded(bool wait) {
+    std::unique_lock<std::mutex> lock(mutex);
+    if (wait) {
+        wake.wait(lock, [this] { return !loading; });
+    }
+    if (loading) {
+        return;
+    }
+    if (background) {
+        loaded = std::move(background);
+        background.reset();
+    }
+    backgroundFailure = nullptr; // loaded again by `current`, where the failure is reported
+    lock.unlock();
+    if (loader.joinable()) {
+        loader.join();
     }
 }
 
@@ -232,7 +305,7 @@ SystemFontsCache::Snapshot SystemFontsCache::load(const std::filesystem::path& o
     const std::int64_t loadStart = nowNanoseconds();
     std::vector<std::filesystem::path> watched;
     snapshot.fonts = SystemFonts::fromFontconfig(ownFolder, &watched);
-    snapshot.configFile = environmentValue("FONTCONFIG_FILE");
+    snapshot.environment = fontconfigEnvironment();
     snapshot.folder = ownFolder;
     for (auto& path : watched) {
         const std::int64_t modified = modifiedNanoseconds(path);
@@ -243,28 +316,23 @@ SystemFontsCache::Snapshot SystemFontsCache::load(const std::filesystem::path& o
     return snapshot;
 }
 
-bool SystemFontsCache::changed(const std::filesystem::path& ownFolder) const {
-    return !loaded || loaded->reloadNext ||
-           loaded->configFile != environmentValue("FONTCONFIG_FILE") ||
-           loaded->folder != ownFolder ||
-           std::any_of(loaded->stamps.begin(), loaded->stamps.end(), [](const Stamp& stamp) {
+bool SystemFontsCache::changed(const Snapshot& snapshot, const std::filesystem::path& ownFolder) {
+    return snapshot.reloadNext || snapshot.environment != fontconfigEnvironment() ||
+           snapshot.folder != ownFolder ||
+           std::any_of(snapshot.stamps.begin(), snapshot.stamps.end(), [](const Stamp& stamp) {
                return modifiedNanoseconds(stamp.path) != stamp.modified;
            });
 }
 
 const SystemFonts& SystemFontsCache::current(const std::filesystem::path& ownFolder) {
-    if (preloading.valid()) {
-        try {
-            loaded = preloading.get();
-        } catch (const std::runtime_error&) {
-            // Loaded again below, where the failure reaches the request that needs the list.
-        }
-    }
-    if (!changed(ownFolder)) {
+    // Without a list yet, the one loading is waited for; a kept list serves meanwhile.
+    takeInLoaded(!loaded);
+    if (loaded && !changed(*loaded, ownFolder)) {
         return loaded->fonts;
     }
     loaded.reset();
     loaded = load(ownFolder);
+    keep(*loaded);
     return loaded->fonts;
 }
 

@@ -2,12 +2,16 @@
 
 #include "fontmanager/Catalog.h"
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
-#include <future>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace Vellumine {
@@ -40,6 +44,7 @@ public:
     const std::vector<SystemFace>& all() const { return faces; }
 
 private:
+    friend class SystemFontsCache; // reads a kept list back
     void add(SystemFace face);
 
     std::vector<SystemFace> faces;
@@ -49,19 +54,27 @@ private:
 
 // The system's fonts from one request to the next. Loading fontconfig's configuration and
 // font list costs milliseconds, so it is loaded again only when what it was loaded from
-// changed: the FONTCONFIG_FILE named, a configuration file or font folder (by its
-// modification time in nanoseconds, which fontconfig's own check, in whole seconds,
-// misses for a font added in the second of the last load), or the folder left out.
+// changed: the environment fontconfig reads (FONTCONFIG_FILE and the like), a configuration
+// file or font folder (by its modification time in nanoseconds, which fontconfig's own
+// check, in whole seconds, misses for a font added in the second of the last load), or the
+// folder left out.
+//
+// With a file to keep it in, the list outlives the server: the next one starts from it when
+// nothing it was loaded from changed, so that an application launching the server does not
+// wait for fontconfig, nor share the processor with it. A change those times cannot show (a
+// configuration file appearing where none was) is caught by loading fontconfig's list once
+// more in the background, after `checkDelay`, when the server is likely quiet.
 class SystemFontsCache {
 public:
-    SystemFontsCache() = default;
+    explicit SystemFontsCache(std::filesystem::path keptIn = {},
+                              std::chrono::milliseconds checkDelay = std::chrono::seconds(1));
     SystemFontsCache(const SystemFontsCache&) = delete;
     SystemFontsCache& operator=(const SystemFontsCache&) = delete;
     ~SystemFontsCache(); // waits for a load still running in the background
 
-    // Starts loading the list on a thread of its own, so that the request that first needs
-    // it (the one an application sends right after starting the server) finds it ready
-    // instead of paying for fontconfig's load. `current` takes the result in.
+    // Takes the kept list when it still holds, else starts loading the list on a thread of
+    // its own, so that the request that first needs it (the one an application sends right
+    // after starting the server) finds it ready. `current` takes the result in.
     void preload(const std::filesystem::path& ownFolder);
 
     const SystemFonts& current(const std::filesystem::path& ownFolder);
@@ -73,16 +86,30 @@ private:
     };
     struct Snapshot {
         SystemFonts fonts;
-        std::string configFile;
+        std::string environment; // what fontconfig reads of it
         std::filesystem::path folder;
         std::vector<Stamp> stamps;
         bool reloadNext = false; // something changed while the list was being loaded
     };
     static Snapshot load(const std::filesystem::path& ownFolder);
-    bool changed(const std::filesystem::path& ownFolder) const;
+    static bool changed(const Snapshot& snapshot, const std::filesystem::path& ownFolder);
+    void startLoading(const std::filesystem::path& ownFolder, std::chrono::milliseconds after);
+    void takeInLoaded(bool wait);
+    std::optional<Snapshot> readKept() const;
+    void keep(const Snapshot& snapshot) const;
 
+    const std::filesystem::path keptIn;
+    const std::chrono::milliseconds checkDelay;
     std::optional<Snapshot> loaded;
-    std::future<Snapshot> preloading;
+
+    // The background load, and its result until `current` takes it in.
+    std::thread loader;
+    std::mutex mutex;
+    std::condition_variable wake;
+    bool stopping = false;
+    bool loading = false;
+    std::optional<Snapshot> background;
+    std::exception_ptr backgroundFailure;
 };
 
 } // namespace Vellumine
