@@ -1,5 +1,6 @@
 #include "fontmanager/FaceFiles.h"
 
+#include "fontmanager/LibraryPaths.h"
 #include "fontmanager/Sha256.h"
 #include "foundation/Logger.h"
 
@@ -56,17 +57,12 @@ FaceFiles::FaceFiles(Catalog& catalog, std::filesystem::path cacheFolder)
     : catalog(catalog), folder(std::move(cacheFolder)) {}
 
 std::filesystem::path FaceFiles::defaultCacheFolder() {
-    // The XDG base directory rules ignore relative values.
-    const char* xdg = std::getenv("XDG_CACHE_HOME");
-    if (xdg != nullptr && std::filesystem::path(xdg).is_absolute()) {
-        return std::filesystem::path(xdg) / "vellumine" / "store";
+    const std::filesystem::path cacheHome = LibraryPaths::xdgFolder("XDG_CACHE_HOME", ".cache");
+    if (cacheHome.empty()) {
+        throw std::runtime_error("neither XDG_CACHE_HOME nor HOME names an absolute folder for "
+                                 "the library's font cache");
     }
-    const char* home = std::getenv("HOME");
-    if (home != nullptr && std::filesystem::path(home).is_absolute()) {
-        return std::filesystem::path(home) / ".cache" / "vellumine" / "store";
-    }
-    throw std::runtime_error("neither XDG_CACHE_HOME nor HOME names an absolute folder for the "
-                             "library's font cache");
+    return cacheHome / "vellumine" / "store";
 }
 
 std::filesystem::path FaceFiles::cached(const std::string& hash) {

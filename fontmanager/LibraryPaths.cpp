@@ -21,10 +21,8 @@ std::filesystem::path LibraryPaths::systemFontsFile() const {
     return cacheHome.empty() ? std::filesystem::path() : cacheHome / "vellumine" / "system-fonts";
 }
 
-namespace {
-
-// The XDG base directory rules ignore relative values.
-std::filesystem::path xdgFolder(const char* variable, const std::filesystem::path& underHome) {
+std::filesystem::path LibraryPaths::xdgFolder(const char* variable,
+                                              const std::filesystem::path& underHome) {
     const char* xdg = std::getenv(variable);
     if (xdg != nullptr && std::filesystem::path(xdg).is_absolute()) {
         return xdg;
@@ -35,8 +33,6 @@ std::filesystem::path xdgFolder(const char* variable, const std::filesystem::pat
     }
     return {};
 }
-
-} // namespace
 
 LibraryPaths LibraryPaths::fromEnvironment() {
     LibraryPaths paths{xdgFolder("XDG_DATA_HOME", ".local/share"),

@@ -24,6 +24,10 @@ struct LibraryPaths {
     // From the environment; throws std::runtime_error when neither XDG_DATA_HOME nor HOME
     // names an absolute folder.
     static LibraryPaths fromEnvironment();
+    // The XDG base folder `variable` names, else `underHome` below $HOME; empty when neither
+    // is an absolute folder (the XDG rules ignore relative values).
+    static std::filesystem::path xdgFolder(const char* variable,
+                                           const std::filesystem::path& underHome);
 };
 
 } // namespace Vellumine
