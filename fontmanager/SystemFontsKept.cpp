@@ -10,6 +10,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Vellumine {
 
@@ -24,6 +25,13 @@ void field(std::string& out, const std::string& text) {
     out += std::to_string(text.size());
     out += ':';
     out += text;
+}
+
+void fieldList(std::string& out, const std::vector<std::string>& items) {
+    field(out, std::to_string(items.size()));
+    for (const auto& item : items) {
+        field(out, item);
+    }
 }
 
 class FieldReader {
@@ -47,6 +55,22 @@ public:
         }
         at = colon + 1 + length;
         return text.substr(colon + 1, length);
+    }
+    // A count, then that many fields.
+    std::optional<std::vector<std::string>> list() {
+        const auto count = number();
+        if (!count || *count < 0) {
+            return std::nullopt;
+        }
+        std::vector<std::string> items;
+        for (std::int64_t n = 0; n < *count; ++n) {
+            auto item = next();
+            if (!item) {
+                return std::nullopt;
+            }
+            items.push_back(std::move(*item));
+        }
+        return items;
     }
     std::optional<std::int64_t> number() {
         const auto digits = next();
@@ -91,14 +115,8 @@ void SystemFontsCache::keep(const Snapshot& snapshot) const {
         field(text, std::to_string(face.record.faceIndex));
         field(text, face.record.postScriptName);
         field(text, wireText(face.record.type));
-        field(text, std::to_string(face.families.size()));
-        for (const auto& family : face.families) {
-            field(text, family);
-        }
-        field(text, std::to_string(face.styles.size()));
-        for (const auto& style : face.styles) {
-            field(text, style);
-        }
+        fieldList(text, face.families);
+        fieldList(text, face.styles);
     }
     // Written beside and moved into place: a reader never sees half a list.
     std::error_code error;
@@ -159,28 +177,13 @@ std::optional<SystemFontsCache::Snapshot> SystemFontsCache::readKept() const {
         const auto name = fields.next();
         const auto typeText = fields.next();
         const auto type = typeText ? faceTypeFromWireText(*typeText) : std::nullopt;
-        const auto familyCount = fields.number();
-        if (!file || !index || !name || !type || !familyCount || *familyCount < 1) {
+        auto families = fields.list();
+        auto styles = fields.list();
+        if (!file || !index || !name || !type || !families || families->empty() || !styles) {
             return std::nullopt;
         }
-        for (std::int64_t n = 0; n < *familyCount; ++n) {
-            const auto family = fields.next();
-            if (!family) {
-                return std::nullopt;
-            }
-            face.families.push_back(*family);
-        }
-        const auto styleCount = fields.number();
-        if (!styleCount || *styleCount < 0) {
-            return std::nullopt;
-        }
-        for (std::int64_t n = 0; n < *styleCount; ++n) {
-            const auto style = fields.next();
-            if (!style) {
-                return std::nullopt;
-            }
-            face.styles.push_back(*style);
-        }
+        face.families = std::move(*families);
+        face.styles = std::move(*styles);
         FaceRecord& record = face.record;
         record.file = *file;
         record.faceIndex = static_cast<long>(*index);
