@@ -63,9 +63,11 @@ private:
 // toolkit loaded has hundreds of mappings, and two copies cost more than starting the
 // program itself): a vfork child that only spawns the program and exits with the outcome.
 // The program is then nobody's child but init's (or a subreaper's). Returns the child, or
-// -1 with errno set; the child's exit status is 0 once the program runs, else the errno
-// that stopped it.
-pid_t spawnThroughChild(const std::string& path, char* const* argv, const SpawnSetup& setup) {
+// -1 with errno set. The child writes the errno that stopped the program to `errorPipe`, and
+// nothing once it runs: the outcome does not depend on the caller being able to reap the
+// child (a host that ignores SIGCHLD cannot).
+pid_t spawnThroughChild(const std::string& path, char* const* argv, const SpawnSetup& setup,
+                        int errorPipe) {
     // The child borrows our memory until it exits: none of our signal handlers may run in it.
     sigset_t all;
     sigset_t previous;
@@ -74,8 +76,13 @@ pid_t spawnThroughChild(const std::string& path, char* const* argv, const SpawnS
     const pid_t child = vfork();
     if (child == 0) {
         pid_t program = 0;
-        _exit(posix_spawn(&program, path.c_str(), setup.actions(), setup.attributes(), argv,
-                          environ));
+        const int error =
+            posix_spawn(&program, path.c_str(), setup.actions(), setup.attributes(), argv, environ);
+        if (error != 0) {
+            ssize_t written = write(errorPipe, &error, sizeof error);
+            (void)written;
+        }
+        _exit(error == 0 ? 0 : 127);
     }
     const int forkError = errno;
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
@@ -140,18 +147,28 @@ int launchDetached(const std::vector<std::string>& argv, std::string& error) {
         error = "cannot prepare the launch of " + argv.front();
         return Status::launchFailed;
     }
-    const pid_t child = spawnThroughChild(path, args.data(), setup);
+    int errorPipe[2];
+    if (pipe2(errorPipe, O_CLOEXEC) != 0) {
+        error = std::string("pipe: ") + std::strerror(errno);
+        return Status::launchFailed;
+    }
+    const pid_t child = spawnThroughChild(path, args.data(), setup, errorPipe[1]);
+    close(errorPipe[1]);
     if (child < 0) {
         error = std::string("vfork: ") + std::strerror(errno);
+        close(errorPipe[0]);
         return Status::launchFailed;
     }
-    const int status = waitForChild(child);
-    if (status < 0 || !WIFEXITED(status)) {
-        error = argv.front() + ": the launch ended abnormally";
-        return Status::launchFailed;
-    }
-    if (WEXITSTATUS(status) != 0) {
-        error = argv.front() + ": " + std::strerror(WEXITSTATUS(status));
+    waitForChild(child);
+    // The child has exited: its error, or end of file when the program runs.
+    int childError = 0;
+    ssize_t n;
+    do {
+        n = read(errorPipe[0], &childError, sizeof childError);
+    } while (n < 0 && errno == EINTR);
+    close(errorPipe[0]);
+    if (n == static_cast<ssize_t>(sizeof childError)) {
+        error = argv.front() + ": " + std::strerror(childError);
         return Status::launchFailed;
     }
     return Status::ok;

@@ -131,7 +131,8 @@ TEST_F(PlatformServicesTest, ASilentPeerCostsOneTimeoutUntilAnotherOwnsTheName) 
     auto arrived = [&] {
         arrivals.marked = false;
         EXPECT_EQ(host->sendNoReply("VLMQ", {"VLMQ", "MARK", ""}), Status::ok);
-        EXPECT_TRUE(VlmTest::waitFor([&] { return silent->processPending() == 0 && arrivals.marked; }));
+        EXPECT_TRUE(
+            VlmTest::waitFor([&] { return silent->processPending() == 0 && arrivals.marked; }));
         return arrivals.calls;
     };
     EXPECT_EQ(arrived(), 1) << "only the first send went out";
@@ -281,6 +282,25 @@ TEST_F(PlatformServicesTest, ExecFailuresComeBackAsLaunchFailed) {
     EXPECT_EQ(launchers.launchInBackground({"x", "", {script}}), Status::launchFailed);
     EXPECT_NE(launchers.lastError().find("not-a-program"), std::string::npos);
     EXPECT_EQ(launchers.launchInBackground(Launcher{}), Status::invalidArgument);
+}
+
+// A host that lets the kernel reap its children cannot wait for the launch's child; the
+// outcome must reach it all the same.
+TEST_F(PlatformServicesTest, LaunchOutcomesReachAHostThatIgnoresItsChildren) {
+    struct sigaction ignore {};
+    struct sigaction previous {};
+    ignore.sa_handler = SIG_IGN;
+    sigaction(SIGCHLD, &ignore, &previous);
+    std::string script = session.root() + "/not-a-program";
+    std::ofstream(script) << "\x01\x02 no interpreter line";
+    chmod(script.c_str(), 0755);
+    EXPECT_EQ(launchers.launchInBackground({"x", "", {script}}), Status::launchFailed);
+    EXPECT_NE(launchers.lastError().find("not-a-program"), std::string::npos);
+    launcher.argv = {VLM_TEST_BUS_PEER, vellumine, "--lifetime", "60"};
+    EXPECT_EQ(launchers.launchInBackground(launcher), Status::ok) << launchers.lastError();
+    sigaction(SIGCHLD, &previous, nullptr);
+    ASSERT_TRUE(VlmTest::waitFor([&] { return host->hasOwner(vellumine); }));
+    session.killLater(running().at(0).processID);
 }
 
 } // namespace
