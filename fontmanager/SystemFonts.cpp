@@ -265,16 +265,14 @@ void SystemFontsCache::startLoading(const std::filesystem::path& ownFolder,
             }
         }
         std::optional<Snapshot> snapshot;
-        std::exception_ptr failure;
         try {
             snapshot = load(ownFolder);
             keep(*snapshot);
-        } catch (...) {
-            failure = std::current_exception();
+        } catch (const std::exception&) {
+            // No list: `current` loads it again, and the request that needs it hears why.
         }
         std::lock_guard<std::mutex> lock(mutex);
         background = std::move(snapshot);
-        backgroundFailure = failure;
         loading = false;
         wake.notify_all();
     });
@@ -293,7 +291,6 @@ void SystemFontsCache::takeInLoaded(bool wait) {
         loaded = std::move(background);
         background.reset();
     }
-    backgroundFailure = nullptr; // loaded again by `current`, where the failure is reported
     lock.unlock();
     if (loader.joinable()) {
         loader.join();

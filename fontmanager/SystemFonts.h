@@ -5,7 +5,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
-#include <exception>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -109,7 +108,8 @@ private:
     bool stopping = false;
     bool loading = false;
     std::optional<Snapshot> background;
-    std::exception_ptr backgroundFailure;
+    // The background load and `current` may both keep a list at once: one after the other.
+    mutable std::mutex keeping;
 };
 
 } // namespace Vellumine

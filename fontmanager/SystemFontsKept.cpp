@@ -100,6 +100,7 @@ void SystemFontsCache::keep(const Snapshot& snapshot) const {
     if (keptIn.empty()) {
         return;
     }
+    const std::lock_guard<std::mutex> lock(keeping);
     std::string text = std::string(keptVersion) + "\n";
     field(text, snapshot.environment);
     field(text, snapshot.folder.string());
