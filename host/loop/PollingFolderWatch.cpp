@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
+#include <system_error>
 
 namespace Galley {
 
@@ -22,7 +23,14 @@ PollingFolderWatch::PollingFolderWatch(EventLoop& loop, std::function<void()> on
         throw std::runtime_error(std::string("cannot watch the font folders: eventfd: ") +
                                  std::strerror(errno));
     source_ = loop_.watchFd(signal_, POLLIN, [this] { announce(); });
-    thread_ = std::thread([this] { run(); });
+    try {
+        thread_ = std::thread([this] { run(); });
+    } catch (const std::system_error& error) {
+        // No watch half made: the loop must not keep a source that points at it.
+        loop_.remove(source_);
+        ::close(signal_);
+        throw std::runtime_error(std::string("cannot watch the font folders: ") + error.what());
+    }
 }
 
 PollingFolderWatch::~PollingFolderWatch() {
