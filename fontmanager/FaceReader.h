@@ -18,7 +18,7 @@ struct FaceDescription {
     std::string style;
     FaceType type = FaceType::trueType;
     // The file as it was read (fileStamp()); empty when it was not to be trusted.
-    std::string fileStamp;
+    std::string fileStamp = {};
 };
 
 // The faces of one font file, or why none could be read. A collection yields one entry per

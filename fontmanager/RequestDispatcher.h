@@ -19,7 +19,7 @@ struct DispatcherOptions {
     // The server's desktop side; none answers show and buy requests by recording them only.
     Desktop* desktop = nullptr;
     // Where the system's fonts are kept from one server to the next (none: not kept).
-    std::filesystem::path systemFontsKeptIn;
+    std::filesystem::path systemFontsKeptIn = {};
 };
 
 // Turns one request text into its reply text. Never throws: a malformed request, an
